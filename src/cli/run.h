@@ -1,0 +1,17 @@
+// One run from a valid command line to the exit status: walk, read, tally, write.
+
+#pragma once
+
+#include "cli/command_line.h"
+#include "report/report_entry.h"
+
+// Does the whole job and prints its closing lines or its one error message.
+// Returns the exit status: 0 when every report passed and every file could be
+// read, 1 otherwise or when anything could not be done.
+[[nodiscard]] int run_summary(const CommandLine& options);
+
+// Reads the file at input_dir, "/" and relative_path into entry. path_buffer is
+// scratch space of LONG_PATH_BUFFER_SIZE bytes; a path that does not fit in it
+// leaves an entry of kind Unreadable.
+void read_entry(const char* input_dir, const char* relative_path, char* path_buffer,
+                ReportEntry& entry);

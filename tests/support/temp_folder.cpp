@@ -1,0 +1,101 @@
+#include "support/temp_folder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+
+TempFolder::TempFolder()
+{
+    std::string pattern = (fs::canonical(fs::temp_directory_path()) / "fthsummary-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr || ::chmod(pattern.c_str(), 0755) != 0) {
+        std::abort();
+    }
+    folder_ = pattern;
+}
+
+TempFolder::~TempFolder()
+{
+    // Folders that a test made unreadable must not keep the others alive.
+    std::error_code ignored;
+    fs::permissions(folder_, fs::perms::owner_all, fs::perm_options::add, ignored);
+    for (auto entry = fs::recursive_directory_iterator(
+             folder_, fs::directory_options::skip_permission_denied, ignored);
+         entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
+        if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) {
+            fs::permissions(entry->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+        }
+    }
+    fs::remove_all(folder_, ignored);
+}
+
+std::string TempFolder::path() const
+{
+    return folder_.string();
+}
+
+std::string TempFolder::path(std::string_view name) const
+{
+    return (folder_ / name).string();
+}
+
+void TempFolder::write(std::string_view name, std::string_view bytes) const
+{
+    const fs::path file = folder_ / name;
+    fs::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    ASSERT_TRUE(stream) << "cannot write " << file;
+}
+
+void TempFolder::make_folder(std::string_view name) const
+{
+    fs::create_directories(folder_ / name);
+}
+
+void TempFolder::link(std::string_view target, std::string_view name) const
+{
+    const fs::path link = folder_ / name;
+    fs::create_directories(link.parent_path());
+    fs::create_symlink(target, link);
+}
+
+void TempFolder::chmod(std::string_view name, unsigned mode) const
+{
+    ASSERT_EQ(::chmod(path(name).c_str(), static_cast<mode_t>(mode)), 0);
+}
+
+std::string TempFolder::read(std::string_view name) const
+{
+    return read_file(path(name));
+}
+
+bool TempFolder::exists(std::string_view name) const
+{
+    return fs::exists(folder_ / name);
+}
+
+std::vector<std::string> TempFolder::names() const
+{
+    std::vector<std::string> found;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_)) {
+        found.push_back(entry.path().lexically_relative(folder_).string());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+std::string read_file(const std::string& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    EXPECT_TRUE(stream) << "cannot read " << path;
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    return bytes.str();
+}

@@ -1,0 +1,40 @@
+// A temporary folder that is removed again with everything in it, and the file
+// system steps that tests take inside it.
+
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A fresh folder (mode 0755, so that other users reach it) for the length of one
+// test; its path is canonical. Names are given relative to it.
+class TempFolder
+{
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    // The folder's absolute path, or the absolute path of name inside it.
+    std::string path() const;
+    std::string path(std::string_view name) const;
+
+    // Each makes the missing folders above name. The test fails if it cannot.
+    void write(std::string_view name, std::string_view bytes) const;
+    void make_folder(std::string_view name) const;
+    void link(std::string_view target, std::string_view name) const; // symbolic
+    void chmod(std::string_view name, unsigned mode) const;
+
+    std::string read(std::string_view name) const; // the test fails if it cannot
+    bool exists(std::string_view name) const;      // a dangling link does not
+    std::vector<std::string> names() const;        // everything below, sorted, relative
+
+private:
+    std::filesystem::path folder_;
+};
+
+// Whole file by absolute path; the test fails if it cannot be read.
+std::string read_file(const std::string& path);
