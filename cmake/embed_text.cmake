@@ -1,9 +1,9 @@
-# embed_text(HEADER NAME constant FILE file [BEFORE text] [AFTER text])
+# embed_text(HEADER NAME constant FILE file [ELEMENT name])
 #
-# Makes, at build time, a header that holds BEFORE, the exact bytes of FILE and
-# AFTER as one constexpr std::string_view called NAME. FILE must not hold a NUL
-# byte (the constant would look cut to C code) nor close a style or script
-# element (the browser would end the element there).
+# Makes, at build time, a header that holds the exact bytes of FILE as one constexpr
+# std::string_view called NAME; with ELEMENT between "<name>\n" and "</name>\n".
+# FILE must not hold a NUL byte (the constant would look cut to C code) nor close a
+# style or script element (the browser would end the element there).
 #
 # The file runs twice: included by the project it defines the function; run as a
 # script by the rule that the function makes, it writes the header.
@@ -12,12 +12,12 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
   set(EMBED_TEXT_SCRIPT "${CMAKE_CURRENT_LIST_FILE}")
 
   function(embed_text header)
-    cmake_parse_arguments(ARG "" "NAME;FILE;BEFORE;AFTER" "" ${ARGN})
+    cmake_parse_arguments(ARG "" "NAME;FILE;ELEMENT" "" ${ARGN})
     cmake_path(ABSOLUTE_PATH ARG_FILE OUTPUT_VARIABLE file)
     add_custom_command(
       OUTPUT "${header}"
       COMMAND "${CMAKE_COMMAND}" "-DHEADER=${header}" "-DNAME=${ARG_NAME}" "-DFILE=${file}"
-              "-DBEFORE=${ARG_BEFORE}" "-DAFTER=${ARG_AFTER}" -P "${EMBED_TEXT_SCRIPT}"
+              "-DELEMENT=${ARG_ELEMENT}" -P "${EMBED_TEXT_SCRIPT}"
       DEPENDS "${file}" "${EMBED_TEXT_SCRIPT}"
       COMMENT "Embedding ${ARG_FILE}"
       VERBATIM)
@@ -52,8 +52,12 @@ function(as_bytes text result)
   string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," hex "${hex}")
   set(${result} "${hex}" PARENT_SCOPE)
 endfunction()
-as_bytes("${BEFORE}" before)
-as_bytes("${AFTER}" after)
+set(before "")
+set(after "")
+if(ELEMENT)
+  as_bytes("<${ELEMENT}>\n" before)
+  as_bytes("</${ELEMENT}>\n" after)
+endif()
 
 file(WRITE "${HEADER}" "// Made by cmake/embed_text.cmake from ${FILE}; do not edit.
 

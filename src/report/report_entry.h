@@ -39,7 +39,7 @@ struct ReportEntry
     ReportKind kind;
     std::uint8_t passed; // 0 or 1
     char analysis_mode[REPORT_TEXT_SIZE];
-    char analysis_mode_sub[REPORT_TEXT_SIZE]; // the line below the mode
+    char analysis_mode_sub[REPORT_TEXT_SIZE];                // the line below the mode
     char failed_checks[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE]; // these gate the verdict
     std::uint64_t failed_check_count;
     char non_gating_checks[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE]; // these do not

@@ -1,0 +1,113 @@
+#include "core/files.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t FOLDER_MODE = 0755;
+constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umask
+
+// The directory bit is tested alone, not the whole file type, so that block
+// devices (0x6000) and sockets (0xC000), whose types contain it, count as
+// directories too. That is meant.
+constexpr mode_t DIRECTORY_BIT = 0x4000;
+
+// One call gives everything in the ordinary case; the loop is for files beyond
+// what the kernel hands over at once (2 GiB).
+bool read_fully(int file, char* bytes, std::size_t length)
+{
+    while (length > 0) {
+        const ssize_t count = read(file, bytes, length);
+        if (count <= 0) {
+            return false;
+        }
+        bytes += count;
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+bool write_fully(int file, const char* bytes, std::uint64_t length)
+{
+    while (length > 0) {
+        const ssize_t count = write(file, bytes, length);
+        if (count <= 0) {
+            return false;
+        }
+        bytes += count;
+        length -= static_cast<std::uint64_t>(count);
+    }
+    return true;
+}
+
+// The size of an open file, its position left at the start. A directory that has
+// taken a file's place reports a size, too: on some file systems the largest that
+// there is, so callers check before they add to it.
+bool measure(int file, off_t& size)
+{
+    size = lseek(file, 0, SEEK_END);
+    return size >= 0 && lseek(file, 0, SEEK_SET) == 0;
+}
+
+bool read_open_file(int file, char*& contents)
+{
+    off_t size = 0;
+    if (!measure(file, size) || size >= PTRDIFF_MAX) {
+        return false;
+    }
+    const std::size_t length = static_cast<std::size_t>(size);
+    char* block = static_cast<char*>(std::malloc(length + 1));
+    if (block == nullptr) {
+        return false;
+    }
+    if (!read_fully(file, block, length)) {
+        std::free(block);
+        return false;
+    }
+    block[length] = '\0';
+    contents = block;
+    return true;
+}
+
+} // namespace
+
+bool read_whole_file(const char* path, char*& contents)
+{
+    // O_NONBLOCK: opening a FIFO must not wait for a writer. Regular files do not
+    // heed it. O_NOCTTY: a terminal must not become ours.
+    const int file = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    const bool complete = read_open_file(file, contents);
+    close(file);
+    return complete;
+}
+
+bool write_whole_file(const char* path, const char* bytes, std::uint64_t length)
+{
+    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE);
+    if (file < 0) {
+        return false;
+    }
+    const bool complete = write_fully(file, bytes, length);
+    close(file);
+    return complete;
+}
+
+bool is_directory(const char* path)
+{
+    struct stat status = {};
+    return stat(path, &status) == 0 && (status.st_mode & DIRECTORY_BIT) != 0;
+}
+
+bool make_folder(const char* path)
+{
+    return is_directory(path) || mkdir(path, FOLDER_MODE) == 0 || errno == EEXIST;
+}

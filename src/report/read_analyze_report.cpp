@@ -1,0 +1,222 @@
+#include "report/read_analyze_report.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "core/files.h"
+#include "report/html_entities.h"
+
+namespace {
+
+// The byte sequences that the analyzer writes and this reader looks for.
+constexpr char VERDICT_LABEL[] = "<div class=\"k\">Overall Verdict</div>";
+constexpr char VALUE_START[] = "<div class=\"v\">";
+constexpr char PASS_WORD[] = "PASS";
+constexpr char ERROR_WORD[] = "ERROR";
+constexpr char RUN_ERROR_START[] = "<p class=\"run-error\">";
+constexpr char RUN_ERROR_END[] = "</p>";
+constexpr char TAB_BAR_START[] = "<nav class=\"nav-tabs\">";
+constexpr char TAB_BAR_END[] = "</nav>";
+constexpr std::string_view TAB_START = "<a ";
+constexpr std::string_view TAB_END = "</a>";
+constexpr std::string_view FAILED_MARK = " data-fail";
+constexpr std::string_view NON_GATING_MARK = " data-nongating";
+constexpr char MODE_LABEL[] = "<div class=\"k\">Analysis Mode</div>\n";
+constexpr char SUB_MODE_START[] = "<div class=\"kpi-sub\">";
+constexpr char VALUE_END[] = "</div>";
+
+// Length of a marker, its NUL not counted.
+template <std::size_t SIZE>
+constexpr std::size_t length_of(const char (&)[SIZE])
+{
+    return SIZE - 1;
+}
+
+// The byte behind the first marker in text, or null. The document's NUL bounds
+// the search, so its length need not be known.
+template <std::size_t SIZE>
+const char* find_behind(const char* text, const char (&marker)[SIZE])
+{
+    const char* found = std::strstr(text, marker);
+    return found != nullptr ? found + length_of(marker) : nullptr;
+}
+
+template <std::size_t SIZE>
+bool starts_with(const char* text, const char (&marker)[SIZE])
+{
+    return std::strncmp(text, marker, length_of(marker)) == 0;
+}
+
+// Stores text, cut to what fits, exactly as the report spells it.
+void store(char (&field)[REPORT_TEXT_SIZE], std::string_view text)
+{
+    const std::size_t length = std::min<std::size_t>(text.size(), REPORT_TEXT_SIZE - 1);
+    std::memcpy(field, text.data(), length);
+    field[length] = '\0';
+}
+
+void init_entry(ReportEntry& entry, const char* relative_path)
+{
+    entry.relative_path = relative_path;
+    entry.kind = ReportKind::Unreadable;
+    entry.passed = 0;
+    entry.analysis_mode[0] = '\0';
+    entry.analysis_mode_sub[0] = '\0';
+    entry.error[0] = '\0';
+    entry.failed_check_count = 0;
+    entry.non_gating_check_count = 0;
+}
+
+void read_run_error(const char* document, ReportEntry& entry)
+{
+    const char* text = find_behind(document, RUN_ERROR_START);
+    const char* end = text != nullptr ? std::strstr(text, RUN_ERROR_END) : nullptr;
+    if (end != nullptr) {
+        html_copy_decoded(entry.error, text, end, REPORT_ERROR_SIZE - 1);
+    }
+}
+
+// The inside of the tab bar's element; empty when there is none or it never ends.
+std::string_view find_tab_bar(const char* document)
+{
+    const char* start = std::strstr(document, TAB_BAR_START);
+    const char* end = start != nullptr ? std::strstr(start, TAB_BAR_END) : nullptr;
+    return end != nullptr ? std::string_view(start, end) : std::string_view();
+}
+
+struct Tab
+{
+    std::string_view opening_tag; // from "<a " up to, not including, the first ">"
+    std::string_view name;
+};
+
+// Takes the next tab off the front of rest. Everything is searched for from where
+// the last search ended, so that no text is scanned twice.
+// False: there is no further whole tab.
+bool take_tab(std::string_view& rest, Tab& tab)
+{
+    const std::size_t start = rest.find(TAB_START);
+    if (start == std::string_view::npos) {
+        return false;
+    }
+    const std::size_t tag_end = rest.find('>', start);
+    if (tag_end == std::string_view::npos) {
+        return false;
+    }
+    const std::size_t name_end = rest.find(TAB_END, tag_end + 1);
+    if (name_end == std::string_view::npos) {
+        return false;
+    }
+    tab.opening_tag = rest.substr(start, tag_end - start);
+    tab.name = rest.substr(tag_end + 1, name_end - tag_end - 1);
+    rest.remove_prefix(name_end + TAB_END.size());
+    return true;
+}
+
+bool has_mark(const Tab& tab, std::string_view mark)
+{
+    return tab.opening_tag.find(mark) != std::string_view::npos;
+}
+
+// Stops when either list is full, even if the other has room: that is meant.
+void read_check_tabs(const char* document, ReportEntry& entry)
+{
+    std::string_view rest = find_tab_bar(document);
+    Tab tab = {};
+    while (entry.failed_check_count < REPORT_MAX_CHECKS &&
+           entry.non_gating_check_count < REPORT_MAX_CHECKS && take_tab(rest, tab)) {
+        if (!has_mark(tab, FAILED_MARK)) {
+            continue;
+        }
+        if (has_mark(tab, NON_GATING_MARK)) {
+            store(entry.non_gating_checks[entry.non_gating_check_count++], tab.name);
+        } else {
+            store(entry.failed_checks[entry.failed_check_count++], tab.name);
+        }
+    }
+}
+
+// Stores the text of the element that begins at text with the given tag.
+// Returns the byte behind the element, or null when there is no such element.
+template <std::size_t SIZE>
+const char* read_value(const char* text, const char (&tag)[SIZE], char (&field)[REPORT_TEXT_SIZE])
+{
+    if (!starts_with(text, tag)) {
+        return nullptr;
+    }
+    const char* value = text + length_of(tag);
+    const char* end = std::strstr(value, VALUE_END);
+    if (end == nullptr) {
+        return nullptr;
+    }
+    store(field, {value, end});
+    return end + length_of(VALUE_END);
+}
+
+void read_analysis_mode(const char* document, ReportEntry& entry)
+{
+    const char* value = find_behind(document, MODE_LABEL);
+    if (value == nullptr) {
+        return;
+    }
+    const char* next = read_value(value, VALUE_START, entry.analysis_mode);
+    if (next == nullptr) {
+        return;
+    }
+    // One line feed may stand between the two elements, and nothing else.
+    read_value(*next == '\n' ? next + 1 : next, SUB_MODE_START, entry.analysis_mode_sub);
+}
+
+// A passing verdict means that no failed check gated it, whatever the tabs say.
+// Names that find no room among the non-gating ones are dropped.
+void file_all_checks_as_non_gating(ReportEntry& entry)
+{
+    for (std::uint64_t i = 0;
+         i < entry.failed_check_count && entry.non_gating_check_count < REPORT_MAX_CHECKS; ++i) {
+        std::memcpy(entry.non_gating_checks[entry.non_gating_check_count++], entry.failed_checks[i],
+                    REPORT_TEXT_SIZE);
+    }
+    entry.failed_check_count = 0;
+}
+
+void scrape(const char* document, ReportEntry& entry)
+{
+    const char* label = std::strstr(document, VERDICT_LABEL);
+    if (label == nullptr) {
+        entry.kind = ReportKind::NotAnalyzeReport;
+        return;
+    }
+    const char* verdict = find_behind(label, VALUE_START);
+    if (verdict != nullptr && starts_with(verdict, ERROR_WORD)) {
+        entry.kind = ReportKind::RunError;
+        read_run_error(document, entry);
+        return;
+    }
+    entry.kind = ReportKind::Analyzed;
+    entry.passed = verdict != nullptr && starts_with(verdict, PASS_WORD) ? 1 : 0;
+    read_check_tabs(document, entry);
+    read_analysis_mode(document, entry);
+    if (entry.passed != 0) {
+        file_all_checks_as_non_gating(entry);
+    }
+}
+
+} // namespace
+
+void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry)
+{
+    init_entry(entry, relative_path);
+    char* document = nullptr;
+    if (read_whole_file(full_path, document)) {
+        scrape(document, entry);
+        std::free(document);
+    }
+}
+
+void scrape_analyze_report(const char* document, const char* relative_path, ReportEntry& entry)
+{
+    init_entry(entry, relative_path);
+    scrape(document, entry);
+}

@@ -1,0 +1,229 @@
+#include "scan/scan_reports.h"
+
+#include <cstring>
+#include <string_view>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include "core/paths.h"
+
+namespace {
+
+// A path that grows at its end, always NUL-terminated.
+struct PathText
+{
+    char text[PATH_BUFFER_SIZE];
+    std::size_t length;
+};
+
+// A folder whose listing is open.
+struct Level
+{
+    DIR* listing;
+    std::uint16_t folder_length;   // of Walk::full, the folder's own path
+    std::uint16_t relative_length; // of Walk::relative, the prefix of its entries
+    bool searchable;               // some path inside it has been examined
+};
+
+// Each level makes the full path at least two characters longer, so the limit on
+// paths is a limit on levels. Keeping them here instead of on the call stack makes
+// a deep tree cost no more stack than a flat one.
+constexpr std::size_t MAX_LEVELS = PATH_BUFFER_SIZE / 2;
+
+struct Walk
+{
+    PathText full;              // the entry at hand, as system calls take it
+    PathText relative;          // the same, as the list takes it
+    const char* canonical_page; // null: nothing is skipped
+    std::string_view page_name; // its last component
+    FileList* list;
+    Level levels[MAX_LEVELS];
+    std::size_t depth; // levels in use
+};
+
+enum class EntryUse
+{
+    Skip,
+    Enter,
+    List
+};
+
+// False: the text does not fit; the path is as before.
+bool append(PathText& path, std::string_view text)
+{
+    if (path.length + text.size() >= sizeof path.text) {
+        return false;
+    }
+    std::memcpy(path.text + path.length, text.data(), text.size());
+    path.length += text.size();
+    path.text[path.length] = '\0';
+    return true;
+}
+
+// Sets both paths to those of the entry called name in the innermost folder.
+// False: one of them grows too long.
+bool set_paths(Walk& walk, const Level& level, std::string_view name)
+{
+    walk.full.length = level.folder_length;
+    walk.relative.length = level.relative_length;
+    return append(walk.full, "/") && append(walk.full, name) &&
+           (level.relative_length == 0 || append(walk.relative, "/")) &&
+           append(walk.relative, name);
+}
+
+// Opens the folder that both paths name as the new innermost level.
+// False: it cannot be opened.
+bool enter(Walk& walk)
+{
+    DIR* listing = opendir(walk.full.text);
+    if (listing == nullptr) {
+        return false;
+    }
+    walk.levels[walk.depth++] = {listing, static_cast<std::uint16_t>(walk.full.length),
+                                 static_cast<std::uint16_t>(walk.relative.length), false};
+    return true;
+}
+
+void leave(Walk& walk)
+{
+    closedir(walk.levels[--walk.depth].listing);
+}
+
+bool ends_in(std::string_view name, std::string_view ending)
+{
+    if (name.size() < ending.size()) {
+        return false;
+    }
+    name.remove_prefix(name.size() - ending.size());
+    for (std::size_t i = 0; i < ending.size(); ++i) {
+        const char c = name[i];
+        const char folded = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        if (folded != ending[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool is_report_name(std::string_view name)
+{
+    return ends_in(name, ".html") || ends_in(name, ".htm");
+}
+
+bool may_lead_elsewhere(unsigned char type)
+{
+    return type == DT_LNK || type == DT_UNKNOWN;
+}
+
+// Tells what the entry at walk.full is, asking the system as seldom as possible.
+//
+// A folder needs no question: opening it answers. A plain entry needs one only if
+// it may be a report, and then only until some path in this folder has been
+// examined: what keeps a plain entry from being examined is that the folder may
+// not be searched, and that holds for all of its entries alike.
+EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view name)
+{
+    if (type == DT_DIR) {
+        return EntryUse::Enter;
+    }
+    const bool listable = is_report_name(name);
+    if (!may_lead_elsewhere(type) && (!listable || level.searchable)) {
+        return listable ? EntryUse::List : EntryUse::Skip;
+    }
+    struct stat status = {};
+    if (stat(walk.full.text, &status) != 0) {
+        return EntryUse::Skip;
+    }
+    level.searchable = true;
+    if (S_ISDIR(status.st_mode)) {
+        return EntryUse::Enter;
+    }
+    return listable ? EntryUse::List : EntryUse::Skip;
+}
+
+// Whether the entry at walk.full is the page under this or another name. Only a
+// link can have a canonical path whose last component is not its own name, so
+// everything else is resolved only if it has the page's name.
+bool is_page(const Walk& walk, unsigned char type, std::string_view name)
+{
+    if (walk.canonical_page == nullptr || (!may_lead_elsewhere(type) && name != walk.page_name)) {
+        return false;
+    }
+    char canonical[PATH_BUFFER_SIZE];
+    return resolve_path(walk.full.text, canonical, sizeof canonical) &&
+           std::strcmp(canonical, walk.canonical_page) == 0;
+}
+
+// False: memory ran out.
+bool visit(Walk& walk, const dirent& entry)
+{
+    Level& level = walk.levels[walk.depth - 1];
+    const std::string_view name = entry.d_name;
+    if (name == "." || name == ".." || !set_paths(walk, level, name)) {
+        return true;
+    }
+    switch (examine(walk, level, entry.d_type, name)) {
+    case EntryUse::Skip:
+        return true;
+    case EntryUse::Enter:
+        level.searchable = enter(walk) || level.searchable;
+        return true;
+    case EntryUse::List:
+        break;
+    }
+    return is_page(walk, entry.d_type, name) ||
+           file_list_append(*walk.list, {walk.relative.text, walk.relative.length});
+}
+
+bool is_listable(const char* folder)
+{
+    DIR* listing = opendir(folder);
+    if (listing == nullptr) {
+        return false;
+    }
+    closedir(listing);
+    return true;
+}
+
+} // namespace
+
+bool scan_reports(const char* input_dir, const char* page_path, FileList& list)
+{
+    if (!is_listable(input_dir)) {
+        return false;
+    }
+    char canonical_page[PATH_BUFFER_SIZE];
+    const bool page_exists =
+        page_path != nullptr && resolve_path(page_path, canonical_page, sizeof canonical_page);
+    return scan_directory(input_dir, "", page_exists ? canonical_page : nullptr, list);
+}
+
+bool scan_directory(const char* folder, const char* prefix, const char* canonical_page,
+                    FileList& list)
+{
+    Walk walk;
+    walk.full.length = 0;
+    walk.relative.length = 0;
+    walk.list = &list;
+    walk.depth = 0;
+    walk.canonical_page = canonical_page;
+    if (canonical_page != nullptr) {
+        walk.page_name = canonical_page;
+        walk.page_name.remove_prefix(walk.page_name.rfind('/') + 1);
+    }
+    // A folder whose path is too long to be kept is too long for the system, too.
+    if (!append(walk.full, folder) || !append(walk.relative, prefix) || !enter(walk)) {
+        return true;
+    }
+    bool has_memory = true;
+    while (walk.depth > 0) {
+        const dirent* entry = has_memory ? readdir(walk.levels[walk.depth - 1].listing) : nullptr;
+        if (entry == nullptr) {
+            leave(walk);
+        } else {
+            has_memory = visit(walk, *entry);
+        }
+    }
+    return has_memory;
+}

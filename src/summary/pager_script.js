@@ -1,0 +1,76 @@
+// A link made from a file name that begins like "javascript:" would run that name
+// as a script. No such link is ever followed, by whichever button or key.
+(function () {
+  "use strict";
+
+  function stopScriptLink(event) {
+    var link = event.target.closest("a[href]");
+    if (link && link.protocol === "javascript:") {
+      event.preventDefault();
+    }
+  }
+
+  document.addEventListener("click", stopScriptLink, true);
+  document.addEventListener("auxclick", stopScriptLink, true);
+})();
+
+// Prev/Next paging of the tables that carry a page size. Each keeps its own page.
+(function () {
+  "use strict";
+
+  var DEFAULT_PAGE_SIZE = 100;
+
+  function findPager(table) {
+    var wrapper = table.closest(".overflow-x");
+    var next = wrapper && wrapper.nextElementSibling;
+    return next && next.classList.contains("dt-pager") ? next : null;
+  }
+
+  function pageTable(table) {
+    var pager = findPager(table);
+    if (!pager) {
+      return;
+    }
+    var previousButton = pager.querySelector("[data-dt-prev]");
+    var nextButton = pager.querySelector("[data-dt-next]");
+    var status = pager.querySelector(".dt-pager-status");
+
+    var pageSize = parseInt(table.getAttribute("data-page-size"), 10) || DEFAULT_PAGE_SIZE;
+    var rows = table.querySelectorAll("tbody tr");
+    var pageCount = Math.max(1, Math.ceil(rows.length / pageSize));
+    var currentPage = 0;
+
+    function setHidden(begin, end, hidden) {
+      for (var i = begin; i < Math.min(end, rows.length); i += 1) {
+        rows[i].hidden = hidden;
+      }
+    }
+
+    // Touches only the rows of the page that leaves and of the page that comes, so
+    // a click costs the same in a table of any length.
+    function showPage(page) {
+      setHidden(currentPage * pageSize, (currentPage + 1) * pageSize, true);
+      setHidden(page * pageSize, (page + 1) * pageSize, false);
+      currentPage = page;
+      status.textContent = "Page " + (page + 1) + " of " + pageCount;
+      previousButton.disabled = page === 0;
+      nextButton.disabled = page === pageCount - 1;
+    }
+
+    previousButton.addEventListener("click", function () {
+      if (currentPage > 0) {
+        showPage(currentPage - 1);
+      }
+    });
+    nextButton.addEventListener("click", function () {
+      if (currentPage < pageCount - 1) {
+        showPage(currentPage + 1);
+      }
+    });
+
+    setHidden(0, rows.length, true);
+    showPage(0);
+  }
+
+  Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), pageTable);
+})();
