@@ -76,6 +76,7 @@ bool text_buffer_appendf(TextBuffer& buffer, const char* format, ...)
     va_start(values, format);
     va_list measured;
     va_copy(measured, values);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it does not see through va_copy
     const int length = std::vsnprintf(nullptr, 0, format, measured);
     va_end(measured);
     const bool fits = length >= 0 && grow(buffer, static_cast<std::uint64_t>(length));

@@ -73,6 +73,7 @@ struct SortedView
 bool make_sorted_view(const SummaryModel& model, std::uint64_t reports, SortedView& view)
 {
     // One slot more than there are reports, so that the size is never zero.
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): an array of pointers is meant
     void* block = std::malloc((reports + 1) * sizeof *view.entries);
     if (block == nullptr) {
         return false;
