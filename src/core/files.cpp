@@ -19,17 +19,18 @@ constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umas
 constexpr mode_t DIRECTORY_BIT = 0x4000;
 
 // One call gives everything in the ordinary case; the loop is for files beyond
-// what the kernel hands over at once (2 GiB).
+// what the kernel hands over at once (2 GiB). It asks even for nothing, which tells
+// an empty file from a directory of size zero.
 bool read_fully(int file, char* bytes, std::size_t length)
 {
-    while (length > 0) {
-        const ssize_t count = read(file, bytes, length);
-        if (count <= 0) {
+    std::size_t done = 0;
+    do {
+        const ssize_t count = read(file, bytes + done, length - done);
+        if (count < 0 || (count == 0 && done < length)) {
             return false;
         }
-        bytes += count;
-        length -= static_cast<std::size_t>(count);
-    }
+        done += static_cast<std::size_t>(count);
+    } while (done < length);
     return true;
 }
 

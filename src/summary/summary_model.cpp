@@ -4,17 +4,12 @@ SummaryTally tally_entries(const ReportEntry* entries, std::uint64_t count)
 {
     SummaryTally tally = {};
     for (std::uint64_t i = 0; i < count; ++i) {
-        switch (entries[i].kind) {
-        case ReportKind::Analyzed:
+        if (entries[i].kind == ReportKind::Analyzed) {
             ++(entries[i].passed != 0 ? tally.passed : tally.failed);
-            break;
-        case ReportKind::RunError:
+        } else if (entries[i].kind == ReportKind::RunError) {
             ++tally.errored;
-            break;
-        case ReportKind::NotAnalyzeReport:
-        case ReportKind::Unreadable:
+        } else {
             ++tally.other;
-            break;
         }
     }
     return tally;

@@ -16,10 +16,11 @@ struct ProcessResult
 
 struct ProcessOptions
 {
-    std::string folder;                           // current directory; empty: the test's own
-    bool unprivileged = false;                    // as an ordinary user, also when root runs the test
-    std::vector<std::string> environment = {};    // "NAME=value", added to the test's own
-    std::function<void()> before_exec = nullptr;  // last thing in the child, for limits and closed streams
+    std::string folder;                        // current directory; empty: the test's own
+    bool unprivileged = false;                 // as an ordinary user, also when root runs the test
+    std::vector<std::string> environment = {}; // "NAME=value", added to the test's own
+    std::function<void()> before_exec =
+        nullptr; // last thing in the child, for limits and closed streams
 };
 
 // Runs program (an absolute path) with the arguments, standard input empty, and

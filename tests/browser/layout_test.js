@@ -1,0 +1,278 @@
+// Computed values in both themes, chosen and asked for by the system, and at both widths.
+
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { test } from "node:test";
+
+import { computed, useBrowser } from "./support/browser.js";
+import { DOTS, FULL_PAGE_LAYOUT, LAYOUT, PASSED_PAGE_LAYOUT } from "./support/layout.js";
+import { DARK_BLOCK, inTheme, LIGHT_BLOCK } from "./support/palette.js";
+import { pageOf } from "./support/program.js";
+import { suite } from "./support/reports.js";
+
+const withPage = useBrowser();
+const fullPage = pageOf(suite({ errors: 2, failed: 101, passed: 3, other: 2 }));
+const passedPage = pageOf(suite({ passed: 3 }));
+
+const LOOKS = [
+  { name: "light", theme: "light", colorScheme: "light" },
+  { name: "dark by the system", theme: "dark", colorScheme: "dark" },
+  { name: "dark by choice", theme: "dark", colorScheme: "light", chosen: "dark" },
+  { name: "light by choice", theme: "light", colorScheme: "dark", chosen: "light" },
+];
+
+function inLook(path, look, width, body) {
+  return withPage(path, { colorScheme: look.colorScheme, width }, async (page) => {
+    if (look.chosen) {
+      await page.evaluate((theme) => {
+        document.documentElement.setAttribute("data-theme", theme);
+      }, look.chosen);
+    }
+    await body(page);
+  });
+}
+
+function expectedIn(values, theme) {
+  return Object.fromEntries(
+    Object.entries(values).map(([name, value]) => [
+      name,
+      value.startsWith("--") ? inTheme(value, theme) : value,
+    ]),
+  );
+}
+
+async function assertLayout(page, table, theme, pseudo) {
+  for (const [selector, values] of table) {
+    const expected = expectedIn(values, theme);
+    const actual = await computed(page, selector, Object.keys(expected), pseudo);
+    assert.deepEqual(actual, expected, `${selector} in the ${theme} theme`);
+  }
+}
+
+for (const look of LOOKS) {
+  test(`the custom properties have their values: ${look.name}`, async () => {
+    await inLook(passedPage, look, 1280, async (page) => {
+      const expected = new Map(LIGHT_BLOCK);
+      if (look.theme === "dark") {
+        DARK_BLOCK.forEach(([name, value]) => expected.set(name, value));
+      }
+      expected.set("--ref-trace", "#FF7F0E");
+      expected.set("--dut-trace", "#1F77B4");
+      const values = await computed(page, "html", [...expected.keys()]);
+      assert.deepEqual(values, Object.fromEntries(expected));
+    });
+  });
+  for (const width of [1280, 700]) {
+    test(`the layout holds: ${look.name}, ${width} pixels wide`, async () => {
+      await inLook(fullPage, look, width, async (page) => {
+        await assertLayout(page, LAYOUT, look.theme);
+        await assertLayout(page, FULL_PAGE_LAYOUT, look.theme);
+        await assertLayout(page, DOTS, look.theme, "::before");
+        const dot = ["border-top-left-radius"];
+        assert.deepEqual(await computed(page, ".badge", dot, "::before"), { [dot[0]]: "50%" });
+      });
+      await inLook(passedPage, look, width, async (page) => {
+        await assertLayout(page, LAYOUT, look.theme);
+        await assertLayout(page, PASSED_PAGE_LAYOUT, look.theme);
+      });
+    });
+  }
+}
+
+function widthsOf(page, selector) {
+  return page.$$eval(selector, (all) => all.map((e) => e.getBoundingClientRect().width));
+}
+
+/** The tiles as rows of widths, each as a share of the first. */
+async function tileRows(page) {
+  return page.$$eval(".kpi-grid > .kpi", (tiles) => {
+    const rows = new Map();
+    const first = tiles[0].getBoundingClientRect().width;
+    for (const tile of tiles) {
+      const { top, width } = tile.getBoundingClientRect();
+      rows.set(top, [...(rows.get(top) ?? []), Number((width / first).toFixed(2))]);
+    }
+    return [...rows.values()];
+  });
+}
+
+for (const [path, tiles, width, rows] of [
+  [passedPage, "four", 1280, [[1, 1, 1, 1.4]]],
+  [passedPage, "four", 721, [[1, 1, 1, 1.33]]],
+  [passedPage, "four", 720, [[1, 1, 1, 1]]],
+  [passedPage, "four", 700, [[1, 1, 1, 1]]],
+  [fullPage, "five", 1280, [[1, 1, 1, 1, 1.4]]],
+  [fullPage, "five", 721, [[1, 1, 1, 1, 1.67]]],
+]) {
+  test(`${tiles} tiles share the width as laid out at ${width} pixels`, async () => {
+    await withPage(path, { width }, async (page) => {
+      assert.deepEqual(await tileRows(page), rows);
+    });
+  });
+}
+
+test("five tiles wrap at 720 pixels and fill both rows", async () => {
+  await withPage(fullPage, { width: 720 }, async (page) => {
+    const rows = await tileRows(page);
+    assert.deepEqual(rows[0], [1, 1, 1, 1]);
+    assert.equal(rows.length, 2);
+  });
+});
+
+test("the page column is 1180 pixels wide at most, in the middle, on the page's background", async () => {
+  await withPage(passedPage, { width: 1400 }, async (page) => {
+    const box = await page.locator(".dash").boundingBox();
+    assert.deepEqual([box.x, box.width], [110, 1180]);
+  });
+});
+
+test("the first column of a numbered table is 2.2rem wide and a table fills its wrapper", async () => {
+  await withPage(passedPage, {}, async (page) => {
+    const widths = await widthsOf(page, "table.dt-numbered th:first-child");
+    assert.deepEqual(widths.map((width) => width.toFixed(1)), ["35.2"]);
+    assert.deepEqual(await widthsOf(page, "table.dt"), await widthsOf(page, ".overflow-x"));
+  });
+});
+
+test("only the last body row of a table is without a line", async () => {
+  await withPage(passedPage, {}, async (page) => {
+    const lines = await page.$$eval("table.dt tr", (rows) =>
+      rows.map((row) => [...row.cells].map((cell) => getComputedStyle(cell).borderBottomWidth)),
+    );
+    const line = Array(5).fill("1px");
+    assert.deepEqual(lines, [line, line, line, Array(5).fill("0px")]);
+  });
+});
+
+test("the header of an empty table keeps its line", async () => {
+  await withPage(pageOf([]), {}, async (page) => {
+    const values = await computed(page, "table.dt th", ["border-bottom-width"]);
+    assert.deepEqual(values, { "border-bottom-width": "1px" });
+  });
+});
+
+for (const theme of ["light", "dark"]) {
+  test(`hovering shows on buttons that can be pressed: ${theme}`, async () => {
+    await withPage(fullPage, { colorScheme: theme, reducedMotion: "reduce" }, async (page) => {
+      await page.hover(".theme-toggle");
+      await assertLayout(
+        page,
+        [
+          [
+            ".theme-toggle",
+            { "background-color": "--surface-sunken", "border-top-color": "--line-strong" },
+          ],
+        ],
+        theme,
+      );
+      await page.hover("[data-dt-next]");
+      await assertLayout(page, [["[data-dt-next]", { "background-color": "--surface-sunken" }]], theme);
+      await page.hover("[data-dt-prev]", { force: true });
+      await assertLayout(page, [["[data-dt-prev]", { "background-color": "--surface" }]], theme);
+    });
+  });
+
+  test(`the keyboard's focus ring, which a mouse does not raise: ${theme}`, async () => {
+    const ring = {
+      "outline-style": "solid",
+      "outline-width": "2px",
+      "outline-color": "--accent",
+      "outline-offset": "1px",
+    };
+    await withPage(fullPage, { colorScheme: theme }, async (page) => {
+      await page.keyboard.press("Tab");
+      await assertLayout(page, [[".theme-toggle:focus", ring]], theme);
+    });
+    await withPage(fullPage, { colorScheme: theme }, async (page) => {
+      await page.click(".theme-toggle");
+      await assertLayout(page, [[".theme-toggle:focus", { "outline-style": "none" }]], "light");
+    });
+  });
+
+  test(`selected text: ${theme}`, async () => {
+    await withPage(passedPage, { colorScheme: theme }, async (page) => {
+      const actual = await computed(page, "p", ["color", "background-color"], "::selection");
+      assert.deepEqual(actual, {
+        color: inTheme("--ink", theme),
+        "background-color": inTheme("--accent-soft", theme),
+      });
+    });
+  });
+}
+
+test("motion stops for those who asked for less", async () => {
+  const moving = async (page) =>
+    page.$$eval("*", (all) =>
+      all.filter((e) => {
+        const style = getComputedStyle(e);
+        return style.transitionDuration !== "0s" || style.animationName !== "none";
+      }).length,
+    );
+  const addMotion = (page) =>
+    page.addStyleTag({
+      content: ".name { transition: color 1s; animation: x 1s } @keyframes x { to { top: 0 } }",
+    });
+  for (const [reducedMotion, expected] of [["no-preference", true], ["reduce", false]]) {
+    await withPage(passedPage, { reducedMotion }, async (page) => {
+      await addMotion(page);
+      assert.equal((await moving(page)) > 0, expected, reducedMotion);
+    });
+  }
+});
+
+// Parts that only the analyzer's own reports have.
+const REPORT_PARTS = `
+  <div class="signal-id dut" id="dut"><span class="tag" id="dut-tag">Device</span></div>
+  <div class="nav-tabs"><a id="failed-tab" data-fail href="#x">Noise</a></div>
+  <div class="tile"><div class="v pass" id="v-pass">1</div><div class="v fail" id="v-fail">1</div></div>
+  <span class="zoom-hint" id="hint">Drag to zoom</span>
+  <div class="spectral-snap-panels"><div class="snap-panel" id="shown">1</div>
+  <div class="snap-panel" id="gone" hidden>2</div></div>
+  <div class="align-gauge-track" id="track"></div>
+  <div class="signal-id" id="ref"><span class="tag" id="ref-tag">Reference</span></div>`;
+
+function withParts(width, body) {
+  return withPage(passedPage, { width }, async (page) => {
+    await page.evaluate((html) => {
+      document.querySelector(".dash").insertAdjacentHTML("beforeend", html);
+    }, REPORT_PARTS);
+    await body(page);
+  });
+}
+
+test("parts of the analyzer's own reports have their colours", async () => {
+  await withParts(1280, async (page) => {
+    await assertLayout(
+      page,
+      [
+        ["#ref", { "border-left-color": "--ref", "border-left-width": "3px" }],
+        ["#ref-tag", { color: "--ref" }],
+        ["#dut", { "border-left-color": "--dut", "border-left-width": "3px" }],
+        ["#dut-tag", { color: "--dut" }],
+        ["#failed-tab", { color: "--fail" }],
+        ["#v-pass", { color: "--pass" }],
+        ["#v-fail", { color: "--fail" }],
+        ["#shown", { display: "block" }],
+        ["#gone", { display: "none" }],
+      ],
+      "light",
+    );
+    const { "background-image": gradient } = await computed(page, "#track", ["background-image"]);
+    assert.match(gradient, /^linear-gradient\(/);
+    assert.equal(gradient.match(/rgb\(/g).length, 4);
+  });
+});
+
+test("the hint at zooming goes at 960 pixels", async () => {
+  for (const [width, isShown] of [[961, true], [960, false]]) {
+    await withParts(width, async (page) => {
+      assert.equal(await page.isVisible("#hint"), isShown, `${width} pixels`);
+    });
+  }
+});
+
+test("plots are 340 pixels high, one kind of them 210", () => {
+  const html = readFileSync(passedPage, "utf8");
+  const heights = [...html.matchAll(/^\.zoom-frame[^{]*\{[^}]*\bheight: (\d+px);/gm)].map((m) => m[1]);
+  assert.deepEqual(heights, ["340px", "210px"]);
+});

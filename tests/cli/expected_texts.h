@@ -1,0 +1,64 @@
+// The program's messages, written out once more so that the tests do not take
+// them from the code that prints them.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+inline constexpr std::string_view USAGE =
+    "fthsummary -- pass/fail summary of fathomix analyze reports\n"
+    "\n"
+    "usage:\n"
+    "  fthsummary --input <directory> -o <summary.html> [--json]\n"
+    "\n"
+    "  --input DIR  directory of fathomix analyze HTML reports (scanned recursively)\n"
+    "  -o FILE      summary HTML file to write (missing folders are created)\n"
+    "  --json       also write the summary as JSON, next to the HTML file\n";
+
+inline constexpr std::string_view VERSION_LINE = "fthsummary v0.7.1-beta\n";
+
+inline std::string missing_options_message()
+{
+    return "error: fthsummary requires --input and -o\n\n" + std::string(USAGE);
+}
+
+inline std::string unrecognized_message(std::string_view argument)
+{
+    return "error: unrecognized argument '" + std::string(argument) + "'\n\n" + std::string(USAGE);
+}
+
+inline std::string input_message(std::string_view input)
+{
+    return "error: '--input' directory '" + std::string(input) +
+           "' doesn't exist or isn't a directory (expected a directory of fathomix analyze HTML "
+           "reports)\n";
+}
+
+inline std::string folder_message(std::string_view page)
+{
+    return "error: could not create the folder for '" + std::string(page) + "'\n";
+}
+
+inline std::string write_message(std::string_view path)
+{
+    return "error: failed to write '" + std::string(path) + "'\n";
+}
+
+// The whole JSON file for a directory without any report or other file.
+inline std::string empty_json(std::string_view input)
+{
+    return "{\n"
+           "    \"scanned_directory\": \"" +
+           std::string(input) +
+           "\",\n"
+           "    \"total_reports\": 0,\n"
+           "    \"passed\": 0,\n"
+           "    \"failed\": 0,\n"
+           "    \"errored\": 0,\n"
+           "    \"reports\": [\n"
+           "],\n"
+           "    \"other_files\": [\n"
+           "]\n"
+           "}\n";
+}

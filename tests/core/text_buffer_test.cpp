@@ -1,0 +1,402 @@
+#include <climits>
+#include <cstdint>
+#include <cwchar>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/text_buffer.h"
+#include "support/allocation_faults.h"
+
+namespace {
+
+// A buffer that is released at the end of the test, whatever happens in it.
+struct Buffer : TextBuffer
+{
+    Buffer()
+    {
+        text_buffer_init(*this);
+    }
+    ~Buffer()
+    {
+        text_buffer_free(*this);
+    }
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    std::string text() const
+    {
+        return std::string(data, length);
+    }
+};
+
+void expect_empty(const TextBuffer& buffer)
+{
+    EXPECT_EQ(buffer.data, nullptr);
+    EXPECT_EQ(buffer.length, 0U);
+    EXPECT_EQ(buffer.capacity, 0U);
+}
+
+void expect_state(const Buffer& buffer, std::string_view text, std::uint64_t capacity)
+{
+    ASSERT_NE(buffer.data, nullptr);
+    EXPECT_EQ(buffer.text(), text);
+    EXPECT_EQ(buffer.data[buffer.length], '\0');
+    EXPECT_EQ(buffer.capacity, capacity);
+}
+
+// One way to append count bytes, count being at least 1.
+struct Appender
+{
+    const char* name;
+    std::function<bool(TextBuffer&, std::size_t)> append;
+};
+
+std::uint64_t number_of_digits(std::size_t count)
+{
+    std::uint64_t number = 1;
+    for (std::size_t i = 1; i < count; ++i) {
+        number *= 10;
+    }
+    return number;
+}
+
+const std::vector<Appender>& appenders()
+{
+    static const std::vector<Appender> all = {
+        {"append",
+         [](TextBuffer& buffer, std::size_t count) {
+             return text_buffer_append(buffer, std::string(count, 't'));
+         }},
+        {"append_char",
+         [](TextBuffer& buffer, std::size_t count) {
+             bool appended = true;
+             for (std::size_t i = 0; i < count; ++i) {
+                 appended = text_buffer_append_char(buffer, 'c') && appended;
+             }
+             return appended;
+         }},
+        {"append_number", // at most 20 digits
+         [](TextBuffer& buffer, std::size_t count) {
+             return text_buffer_append_number(buffer, number_of_digits(count));
+         }},
+        {"appendf",
+         [](TextBuffer& buffer, std::size_t count) {
+             return text_buffer_appendf(buffer, "%s", std::string(count, 'f').c_str());
+         }},
+    };
+    return all;
+}
+
+} // namespace
+
+TEST(TextBuffer, FreshBufferIsNullWithLengthAndCapacityZero)
+{
+    char block = 'x';
+    TextBuffer buffer = {&block, 7, 9};
+    const std::uint64_t before = allocation_count();
+    text_buffer_init(buffer);
+    expect_empty(buffer);
+    EXPECT_EQ(allocation_count(), before);
+    EXPECT_EQ(block, 'x');
+}
+
+TEST(TextBuffer, FreeingAFreshBufferIsHarmlessAndLeavesItSo)
+{
+    TextBuffer buffer;
+    text_buffer_init(buffer);
+    text_buffer_free(buffer);
+    expect_empty(buffer);
+    text_buffer_free(buffer);
+    expect_empty(buffer);
+}
+
+TEST(TextBuffer, AFreedBufferIsEmptyAndMayBeAppendedToAgain)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(1000, 'x')));
+    text_buffer_free(buffer);
+    expect_empty(buffer);
+    ASSERT_TRUE(text_buffer_append(buffer, "again"));
+    expect_state(buffer, "again", 256);
+}
+
+TEST(TextBuffer, AppendingAnEmptyStringToAFreshBufferAllocates256Bytes)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, ""));
+    expect_state(buffer, "", 256);
+}
+
+TEST(TextBuffer, AppendingANullViewToAFreshBufferAllocates256Bytes)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string_view()));
+    expect_state(buffer, "", 256);
+}
+
+TEST(TextBuffer, AppendfOfAnEmptyTextAllocatesOnAFreshBufferAndLeavesTheLength)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
+    expect_state(buffer, "", 256);
+    ASSERT_TRUE(text_buffer_append(buffer, "abc"));
+    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
+    expect_state(buffer, "abc", 256);
+}
+
+TEST(TextBuffer, AppendingAnEmptyStringToAFullBlockDoesNotGrowIt)
+{
+    Buffer buffer;
+    const std::string full(255, 'x');
+    ASSERT_TRUE(text_buffer_append(buffer, full));
+    ASSERT_TRUE(text_buffer_append(buffer, ""));
+    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
+    expect_state(buffer, full, 256);
+}
+
+TEST(TextBuffer, OneAppendToAFreshBufferTakesTheFirstSufficientPowerOfTwoFrom256)
+{
+    struct Row
+    {
+        std::size_t length;
+        std::uint64_t capacity;
+    };
+    const Row rows[] = {{1, 256},        {254, 256},         {255, 256},        {256, 512},
+                        {257, 512},      {510, 512},         {511, 512},        {512, 1024},
+                        {1000, 1024},    {1023, 1024},       {1024, 2048},      {2047, 2048},
+                        {2048, 4096},    {4095, 4096},       {4096, 8192},      {65535, 65536},
+                        {65536, 131072}, {1048575, 1048576}, {1048576, 2097152}};
+    for (const Row& row : rows) {
+        const std::string text(row.length, 'x');
+        Buffer appended;
+        ASSERT_TRUE(text_buffer_append(appended, text));
+        expect_state(appended, text, row.capacity);
+        Buffer formatted;
+        ASSERT_TRUE(text_buffer_appendf(formatted, "%s", text.c_str()));
+        expect_state(formatted, text, row.capacity);
+    }
+}
+
+TEST(TextBuffer, CharacterByCharacterTheCapacityDoublesExactlyWhenTheNulNoLongerFits)
+{
+    Buffer buffer;
+    std::uint64_t capacity = 256;
+    std::uint64_t allocations = allocation_count() + 1;
+    for (std::uint64_t length = 1; length <= 70000; ++length) {
+        ASSERT_TRUE(text_buffer_append_char(buffer, 'a' + static_cast<int>(length % 26)));
+        if (length == capacity) {
+            capacity *= 2;
+            ++allocations;
+        }
+        ASSERT_EQ(buffer.capacity, capacity) << "length " << length;
+        ASSERT_EQ(buffer.length, length);
+        ASSERT_EQ(buffer.data[length], '\0');
+        ASSERT_EQ(allocation_count(), allocations) << "length " << length;
+    }
+    EXPECT_EQ(capacity, 131072U);
+    for (std::uint64_t i = 0; i < buffer.length; ++i) {
+        ASSERT_EQ(buffer.data[i], 'a' + static_cast<int>((i + 1) % 26));
+    }
+}
+
+TEST(TextBuffer, WithLength250And256BytesFiveMoreFitAndSixGrowTo512)
+{
+    for (const Appender& appender : appenders()) {
+        SCOPED_TRACE(appender.name);
+        Buffer fits;
+        ASSERT_TRUE(text_buffer_append(fits, std::string(250, 'x')));
+        ASSERT_EQ(fits.capacity, 256U);
+        const std::uint64_t before = allocation_count();
+        ASSERT_TRUE(appender.append(fits, 5));
+        EXPECT_EQ(fits.capacity, 256U);
+        EXPECT_EQ(fits.length, 255U);
+        EXPECT_EQ(fits.data[255], '\0');
+        EXPECT_EQ(allocation_count(), before);
+
+        Buffer grows;
+        ASSERT_TRUE(text_buffer_append(grows, std::string(250, 'x')));
+        ASSERT_TRUE(appender.append(grows, 6));
+        EXPECT_EQ(grows.capacity, 512U);
+        EXPECT_EQ(grows.length, 256U);
+        EXPECT_EQ(grows.data[256], '\0');
+        EXPECT_EQ(grows.text().substr(0, 250), std::string(250, 'x'));
+    }
+}
+
+TEST(TextBuffer, AppendCharWithOneFreeByteDoesNotGrowAndWithNoneDoubles)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(254, 'x')));
+    ASSERT_TRUE(text_buffer_append_char(buffer, 'y')); // length = capacity - 2
+    expect_state(buffer, std::string(254, 'x') + "y", 256);
+    ASSERT_TRUE(text_buffer_append_char(buffer, 'z')); // length = capacity - 1
+    expect_state(buffer, std::string(254, 'x') + "yz", 512);
+}
+
+TEST(TextBuffer, OneAppendMayDoubleSeveralTimes)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(300, 'x')));
+    ASSERT_EQ(buffer.capacity, 512U);
+    const std::uint64_t before = allocation_count();
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(1748, 'y'))); // needs 2049
+    expect_state(buffer, std::string(300, 'x') + std::string(1748, 'y'), 4096);
+    EXPECT_EQ(allocation_count(), before + 1);
+}
+
+TEST(TextBuffer, AppendTakesExactlyTheBytesOfTheView)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string_view("abcdef", 3)));
+    ASSERT_TRUE(text_buffer_append(buffer, std::string_view("\0\xff\x80\r\n", 5)));
+    expect_state(buffer, std::string_view("abc\0\xff\x80\r\n", 8), 256);
+}
+
+TEST(TextBuffer, AppendCharStoresTheLowByteOnly)
+{
+    Buffer buffer;
+    for (const int c : {0x141, 0, 0xff, -1, 0x100, INT_MIN + 'B', INT_MAX}) {
+        ASSERT_TRUE(text_buffer_append_char(buffer, c));
+    }
+    expect_state(buffer, std::string_view("A\0\xff\xff\0B\xff", 7), 256);
+}
+
+TEST(TextBuffer, AppendCharStoresEveryByteValueUnchanged)
+{
+    Buffer buffer;
+    for (int c = 0; c < 256; ++c) {
+        ASSERT_TRUE(text_buffer_append_char(buffer, c));
+    }
+    ASSERT_EQ(buffer.length, 256U);
+    EXPECT_EQ(buffer.capacity, 512U);
+    for (unsigned i = 0; i < 256; ++i) {
+        EXPECT_EQ(static_cast<unsigned char>(buffer.data[i]), i);
+    }
+}
+
+TEST(TextBuffer, AppendNumberWritesPlainDecimalDigits)
+{
+    struct Row
+    {
+        std::uint64_t number;
+        const char* digits;
+    };
+    const Row rows[] = {{0, "0"},
+                        {1, "1"},
+                        {9, "9"},
+                        {10, "10"},
+                        {99, "99"},
+                        {100, "100"},
+                        {1000000007, "1000000007"},
+                        {UINT32_MAX, "4294967295"},
+                        {INT64_MAX, "9223372036854775807"},
+                        {9223372036854775808U, "9223372036854775808"},
+                        {10000000000000000000U, "10000000000000000000"},
+                        {UINT64_MAX, "18446744073709551615"}};
+    for (const Row& row : rows) {
+        Buffer buffer;
+        ASSERT_TRUE(text_buffer_append_number(buffer, row.number));
+        expect_state(buffer, row.digits, 256);
+    }
+}
+
+TEST(TextBuffer, AppendNumberNeedsNoRoomBeyondItsDigits)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(235, 'x')));
+    ASSERT_TRUE(text_buffer_append_number(buffer, UINT64_MAX));
+    expect_state(buffer, std::string(235, 'x') + "18446744073709551615", 256);
+}
+
+TEST(TextBuffer, AppendfFormatsAsTheCLibraryDoes)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, "<"));
+    ASSERT_TRUE(text_buffer_appendf(buffer, "%d|%5u|%-4s|%.2s|%c|%%|\\u%04x|%.1f|%*d>", -5, 42U,
+                                    "ab", "xyz", 'q', 0x1fU, 2.25, 3, 7));
+    expect_state(buffer, "<-5|   42|ab  |xy|q|%|\\u001f|2.2|  7>", 256);
+}
+
+TEST(TextBuffer, AppendfKeepsANulThatTheFormatYields)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_appendf(buffer, "a%cb", 0));
+    expect_state(buffer, std::string_view("a\0b", 3), 256);
+}
+
+TEST(TextBuffer, AppendfOfAValueTheFormatterRejectsChangesNothing)
+{
+    const auto no_byte_in_the_c_locale = static_cast<wint_t>(0x20ac);
+    Buffer fresh;
+    EXPECT_FALSE(text_buffer_appendf(fresh, "abc%lc", no_byte_in_the_c_locale));
+    expect_empty(fresh);
+
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, "kept"));
+    const char* const data = buffer.data;
+    EXPECT_FALSE(text_buffer_appendf(buffer, "abc%lc", no_byte_in_the_c_locale));
+    EXPECT_EQ(buffer.data, data);
+    expect_state(buffer, "kept", 256);
+}
+
+TEST(TextBuffer, AFailedFirstAllocationLeavesTheBufferEmpty)
+{
+    for (const Appender& appender : appenders()) {
+        SCOPED_TRACE(appender.name);
+        Buffer buffer;
+        {
+            const AllocationFault fault(1);
+            EXPECT_FALSE(appender.append(buffer, 1));
+            EXPECT_EQ(fault.failures(), 1U);
+            expect_empty(buffer);
+            EXPECT_FALSE(text_buffer_append(buffer, ""));
+            expect_empty(buffer);
+        }
+        ASSERT_TRUE(appender.append(buffer, 1));
+        EXPECT_EQ(buffer.length, 1U);
+        EXPECT_EQ(buffer.capacity, 256U);
+    }
+}
+
+TEST(TextBuffer, AFailedReallocationLeavesDataLengthCapacityAndTextUnchanged)
+{
+    for (const Appender& appender : appenders()) {
+        SCOPED_TRACE(appender.name);
+        Buffer buffer;
+        std::string text(250, 'x');
+        ASSERT_TRUE(text_buffer_append(buffer, text));
+        ASSERT_TRUE(text_buffer_append(buffer, "12345"));
+        text += "12345";
+        const char* const data = buffer.data;
+        {
+            const AllocationFault fault(1);
+            EXPECT_FALSE(appender.append(buffer, 1));
+            EXPECT_EQ(fault.failures(), 1U);
+        }
+        EXPECT_EQ(buffer.data, data);
+        expect_state(buffer, text, 256);
+        ASSERT_TRUE(appender.append(buffer, 1));
+        EXPECT_EQ(buffer.length, 256U);
+        EXPECT_EQ(buffer.capacity, 512U);
+        EXPECT_EQ(buffer.text().substr(0, 255), text);
+    }
+}
+
+TEST(TextBuffer, WhatFitsIsAppendedWithoutMemory)
+{
+    Buffer buffer;
+    ASSERT_TRUE(text_buffer_append(buffer, ""));
+    const AllocationFault fault(1);
+    ASSERT_TRUE(text_buffer_append(buffer, std::string(240, 'x')));
+    ASSERT_TRUE(text_buffer_append_char(buffer, 'c'));
+    ASSERT_TRUE(text_buffer_append_number(buffer, 1234567890));
+    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", "full"));
+    expect_state(buffer, std::string(240, 'x') + "c1234567890full", 256);
+    EXPECT_EQ(fault.failures(), 0U);
+    EXPECT_FALSE(text_buffer_append_char(buffer, 'c'));
+    expect_state(buffer, std::string(240, 'x') + "c1234567890full", 256);
+}

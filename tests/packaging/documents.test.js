@@ -1,0 +1,168 @@
+// Every command in a document works as it stands there. The commands run in a fresh
+// copy of the tree; "sudo" and "apt" are stand-ins that install into a folder.
+
+import assert from "node:assert/strict";
+import fs from "node:fs";
+import path from "node:path";
+import process from "node:process";
+import { test } from "node:test";
+import { FIRST, SOURCE, fencedBlocks, read, run, temporaryFolder } from "./support.js";
+
+const DOCUMENTS = run("git", ["ls-files", "--cached", "--others", "--exclude-standard", "*.md"], {
+  cwd: SOURCE,
+})
+  .stdout.trim()
+  .split("\n")
+  .filter((document) => fs.existsSync(path.join(SOURCE, document)));
+
+// What needs no run of its own, and where it is run.
+const RUN_ELSEWHERE = {
+  "tools/test": "tools/test",
+  "cmake --preset checked && cmake --build --preset checked && ctest --preset checked": "tools/test",
+};
+
+// Runs what follows; cmake --install then installs below $ROOT.
+const SUDO = '#!/bin/sh\nDESTDIR=$ROOT exec "$@"\n';
+
+// Installs a package file below $ROOT, whose list of packages is the machine's. A
+// package of Debian must be on the machine already.
+const APT = `#!/bin/sh
+set -eu
+[ "$1" = install ] || [ "$1" = remove ]
+case $2 in
+    ./*.deb) $AS_ROOT dpkg --root="$ROOT" --log=/dev/null -i "$2" ;;
+    fthsummary) $AS_ROOT dpkg --root="$ROOT" --log=/dev/null -r "$2" ;;
+    *) dpkg-query -W -f '\${db:Status-Status}' "$2" | grep -qx installed ;;
+esac
+`;
+
+function makeSandbox(t) {
+  const folder = temporaryFolder(t);
+  const [tree, root, stubs] = ["tree", "root", "stubs"].map((name) => path.join(folder, name));
+  fs.cpSync(FIRST, tree, { recursive: true, filter: (file) => file !== path.join(FIRST, "build") });
+  for (const name of ["info", "updates", "triggers"]) {
+    fs.mkdirSync(`${root}/var/lib/dpkg/${name}`, { recursive: true });
+  }
+  fs.copyFileSync("/var/lib/dpkg/status", `${root}/var/lib/dpkg/status`);
+  fs.mkdirSync(stubs);
+  fs.writeFileSync(`${stubs}/sudo`, SUDO, { mode: 0o755 });
+  fs.writeFileSync(`${stubs}/apt`, APT, { mode: 0o755 });
+  const env = {
+    ROOT: root,
+    AS_ROOT: process.getuid() === 0 ? "" : "unshare -r",
+    PATH: `${stubs}:${root}/usr/bin:/usr/bin:/bin:/usr/sbin:/sbin:${path.dirname(process.execPath)}`,
+    MANPATH: `${root}/usr/share/man`,
+    MANPAGER: "cat",
+  };
+  return { tree, root, env };
+}
+
+function runBlock({ tree, root, env }, { marker = "", text }) {
+  const status = Number(marker.match(/^status: (\d+)$/)?.[1] ?? 0);
+  const replacement = marker.match(/^run as: (.*)$/)?.[1];
+  // The one path that is not below the sandbox by itself.
+  const script = (replacement ?? text).replaceAll("/usr/share/doc", `${root}/usr/share/doc`);
+  return run("sh", ["-eu", "-c", script], { cwd: tree, env, status });
+}
+
+const isRunHere = ({ language, file, marker }) =>
+  language === "sh" && !file && !marker?.startsWith("run by: ");
+
+for (const document of DOCUMENTS) {
+  const blocks = fencedBlocks(document).filter(isRunHere);
+  if (blocks.length > 0) {
+    test(`each of the ${blocks.length} blocks of commands in ${document} works`, (t) => {
+      const sandbox = makeSandbox(t);
+      for (const block of blocks) {
+        runBlock(sandbox, block);
+      }
+    });
+  }
+}
+
+test("each document is closed, and each of its blocks is of a kind that is checked", () => {
+  assert.ok(DOCUMENTS.length >= 6, DOCUMENTS.join());
+  for (const document of DOCUMENTS) {
+    const fences = read(SOURCE, document).match(/^```.*$/gm) ?? [];
+    const blocks = fencedBlocks(document);
+    assert.equal(fences.length, 2 * blocks.length, document);
+    for (const { language, file } of blocks) {
+      const shown = file ? document === "docs/ci.md" : ["sh", "text"].includes(language);
+      assert.ok(shown, `${document}: a block of language "${language}"`);
+    }
+  }
+});
+
+test("a block that is run elsewhere is known, and really run there", () => {
+  const elsewhere = DOCUMENTS.flatMap(fencedBlocks).filter(({ marker }) => marker?.startsWith("run by: "));
+  assert.deepEqual(
+    elsewhere.map(({ marker, text }) => [text.trim(), marker.slice("run by: ".length)]),
+    Object.entries(RUN_ELSEWHERE),
+  );
+  const script = read(SOURCE, "tools/test");
+  for (const part of [/^build checked$/m, /^run_tests checked$/m, /tools\/test-packaging/]) {
+    assert.match(script, part);
+  }
+  assert.match(script, /cmake --preset \$1 && cmake --build --preset \$1/);
+  assert.match(script, /ctest --preset "\$1"/);
+});
+
+test("a command that fails is noticed, so these tests can fail", (t) => {
+  const sandbox = makeSandbox(t);
+  assert.throws(() => runBlock(sandbox, { text: "false\ntrue\n" }));
+  assert.throws(() => runBlock(sandbox, { text: "apt install ./missing.deb\n" }));
+  assert.throws(() => runBlock(sandbox, { text: "apt install no-such-package\n" }));
+});
+
+test("each file that a document links to or names is there", () => {
+  const missing = DOCUMENTS.flatMap((document) => {
+    const text = read(SOURCE, document).replace(/^```.*?^```$/gms, "");
+    const links = [...text.matchAll(/\]\(([^)#:]+)(?:#[^)]*)?\)/g)].map(([, link]) =>
+      path.join(path.dirname(document), link),
+    );
+    const named = [...text.matchAll(/`((?:src|tests|tools|docs|cmake|man|completions|examples)\/[\w./-]*)`/g)];
+    return [...links, ...named.map((match) => match[1])]
+      .filter((file) => !fs.existsSync(path.join(SOURCE, file)))
+      .map((file) => `${document}: ${file}`);
+  });
+  assert.deepEqual(missing, []);
+});
+
+test("each heading that a document links to is there", () => {
+  const wrong = DOCUMENTS.flatMap((document) =>
+    [...read(SOURCE, document).matchAll(/\]\(([^)#:]*)#([^)]*)\)/g)].filter(([, file, heading]) => {
+      const target = read(SOURCE, file ? path.join(path.dirname(document), file) : document);
+      const headings = [...target.matchAll(/^#+ (.*)$/gm)].map((match) =>
+        match[1].toLowerCase().replace(/[^\w -]/g, "").replaceAll(" ", "-"),
+      );
+      return !headings.includes(heading);
+    }),
+  );
+  assert.deepEqual(wrong, []);
+});
+
+test("the examples in the man page work", (t) => {
+  const folder = temporaryFolder(t);
+  fs.cpSync(path.join(FIRST, "examples/reports"), `${folder}/reports`, { recursive: true });
+  const env = { PATH: `${FIRST}/build/release:/usr/bin:/bin` };
+  const section = read(SOURCE, "man/fthsummary.1").match(/^\.Sh EXAMPLES\n(.*?)^\.Sh/ms)[1];
+  const line = section.match(/^\.Dl (.*)$/m)[1];
+  const [script, ci, query] = [...section.matchAll(/^\.Bd .*\n(.*?)^\.Ed$/gms)].map((match) =>
+    match[1].replaceAll("\\e", "\\"),
+  );
+  const shell = (text, status) => run("sh", ["-eu", "-c", text], { cwd: folder, env, status });
+  shell(line, 1);
+  assert.match(shell(script, 1).stderr, /^See out\/summary.html\.$/m);
+  const job = JSON.parse(
+    run("python3", ["-c", "import json,sys,yaml; print(json.dumps(yaml.safe_load(sys.stdin)))"], {
+      input: ci,
+    }).stdout,
+  );
+  assert.deepEqual(job.artifacts, { when: "always", paths: ["public/"] });
+  shell(job.script.join("\n"), 1);
+  assert.ok(fs.existsSync(`${folder}/public/summary.json`));
+  const failed = JSON.parse(read(folder, "out/summary.json")).reports.filter(
+    ({ verdict }) => verdict !== "PASS",
+  );
+  assert.equal(shell(query, 0).stdout, failed.map((each) => `${each.relative_path}\n`).join(""));
+});

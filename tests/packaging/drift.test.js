@@ -1,0 +1,193 @@
+// What is said in several places is said alike: the usage text, the man page, the
+// completions, the README, the schema, and what the program does.
+
+import assert from "node:assert/strict";
+import fs from "node:fs";
+import path from "node:path";
+import { test } from "node:test";
+import {
+  EXAMPLES,
+  PROGRAM,
+  SOURCE,
+  bundledReports,
+  copyReport,
+  fencedBlocks,
+  read,
+  run,
+  summarise,
+  temporaryFolder,
+} from "./support.js";
+
+const USAGE = run(PROGRAM, ["--help"]).stdout;
+// Accepted, but not in the usage text.
+const UNLISTED = ["--help", "--version", "-h"];
+const OPTIONS = [...new Set(USAGE.match(/(?<=[\s[])--?[a-z]+/g)), ...UNLISTED].sort();
+const MANUAL = read(SOURCE, "man/fthsummary.1");
+const README = read(SOURCE, "README.md");
+
+const unique = (values) => [...new Set(values)].sort();
+const matches = (text, pattern) => unique([...text.matchAll(pattern)].map((match) => match[1]));
+
+test("the usage text names three options", () => {
+  assert.deepEqual(
+    OPTIONS.filter((option) => !UNLISTED.includes(option)),
+    ["--input", "--json", "-o"],
+  );
+});
+
+test("the program takes each option that is documented and no other", () => {
+  for (const option of UNLISTED) {
+    run(PROGRAM, [option]);
+  }
+  for (const option of ["--Input", "--verbose", "-v", "-V", "-j", "-i", "--output"]) {
+    assert.match(run(PROGRAM, [option], { status: 1 }).stderr, /^error: unrecognized argument/);
+  }
+});
+
+test("the man page describes each option", () => {
+  const described = [...MANUAL.matchAll(/^\.It (Fl .*)$/gm)]
+    .filter(([line]) => !line.includes(" Ta "))
+    .flatMap(([, item]) => [...item.matchAll(/Fl (-?[a-z]+)/g)].map((match) => `-${match[1]}`));
+  assert.deepEqual(unique(described), OPTIONS);
+});
+
+test("the man page's synopsis names each option", () => {
+  const synopsis = MANUAL.match(/^\.Sh SYNOPSIS\n(.*?)^\.Sh/ms)[1];
+  assert.deepEqual(
+    matches(synopsis, /Fl (-?[a-z]+)/g).map((option) => `-${option}`).sort(),
+    OPTIONS,
+  );
+});
+
+test("the README's table describes each option", () => {
+  const cells = [...README.matchAll(/^\| (`-.*?) \|/gm)].map((match) => match[1]).join(" ");
+  assert.deepEqual(matches(cells, /(?:^|[\s`])(--?[a-z]+)/g), OPTIONS);
+});
+
+test("the README's usage lines are the usage text's", () => {
+  const line = USAGE.match(/^ {2}(fthsummary --input .*)$/m)[1];
+  assert.ok(README.includes(`\n${line}\n`), line);
+});
+
+test("each completion knows each option", () => {
+  const bash = read(SOURCE, "completions/fthsummary.bash").match(/compgen -W '(.*?)'/)[1];
+  assert.deepEqual(bash.split(" ").sort(), OPTIONS);
+
+  const zsh = read(SOURCE, "completions/_fthsummary").replace("{--help,-h}", " '--help' '-h'");
+  assert.deepEqual(matches(zsh, /['\s)](--?[a-z]+)(?=[['\s])/g), OPTIONS);
+
+  const fish = read(SOURCE, "completions/fthsummary.fish");
+  const long = matches(fish, /-l (\w+)/g).map((name) => `--${name}`);
+  const short = matches(fish, /-s (\w)/g).map((name) => `-${name}`);
+  assert.deepEqual([...long, ...short].sort(), OPTIONS);
+});
+
+function keysOf(summary) {
+  return [
+    Object.keys(summary),
+    Object.keys(summary.reports[0]),
+    Object.keys(summary.other_files[0]),
+  ];
+}
+
+test("the man page lists the JSON's keys in their order", (t) => {
+  const keys = keysOf(summarise(EXAMPLES, temporaryFolder(t))).flat();
+  assert.deepEqual([...MANUAL.matchAll(/^\.It Cm (\w+)$/gm)].map((match) => match[1]), keys);
+});
+
+test("the README names each of the JSON's keys", (t) => {
+  const section = README.match(/^## JSON\n(.*?)^## /ms)[1];
+  for (const key of keysOf(summarise(EXAMPLES, temporaryFolder(t))).flat()) {
+    assert.ok(section.includes(`\`${key}\``), key);
+  }
+});
+
+test("the schema describes the JSON's keys, in their order, and no others", (t) => {
+  const [top, report, other] = keysOf(summarise(EXAMPLES, temporaryFolder(t)));
+  const schema = JSON.parse(read(SOURCE, "docs/summary.schema.json"));
+  const { report: reportSchema, other_file: otherSchema } = schema.$defs;
+  for (const [keys, object] of [
+    [top, schema],
+    [report, reportSchema],
+    [other, otherSchema],
+  ]) {
+    assert.deepEqual(Object.keys(object.properties), keys);
+    assert.deepEqual(object.required, keys);
+    assert.equal(object.additionalProperties, false);
+    for (const [key, value] of Object.entries(object.properties)) {
+      assert.ok(value.description?.endsWith("."), key);
+    }
+  }
+});
+
+// One folder for each outcome in the tables of README and man page.
+function outcomes(t) {
+  const folder = temporaryFolder(t);
+  const report = (name, verdict) => copyReport(t, verdict, path.join(folder, name, `${verdict}.html`));
+  report("passed", "PASS");
+  report("no report", "PASS");
+  fs.writeFileSync(path.join(folder, "no report/notes.html"), "<p>Notes</p>");
+  report("failed", "FAIL");
+  report("errored", "ERROR");
+  report("unreadable", "PASS");
+  fs.mkdirSync(path.join(folder, "empty"));
+  // A pipe is listed like a file, but cannot be measured; for root, too.
+  run("mkfifo", [path.join(folder, "unreadable/pipe.html")]);
+  return folder;
+}
+
+const STATUS_TABLE = [
+  ["passed", 0, "PASS"],
+  ["empty", 0, "PASS"],
+  ["no report", 0, "FAIL"],
+  ["failed", 1, "FAIL"],
+  ["errored", 1, "FAIL"],
+  ["unreadable", 1, "FAIL"],
+];
+
+test("exit status and Suite Verdict are those of the tables", { timeout: 60000 }, (t) => {
+  const folder = outcomes(t);
+  for (const [name, status, verdict] of STATUS_TABLE) {
+    summarise(path.join(folder, name), path.join(folder, "out", name), { status });
+    const page = read(folder, "out", name, "index.html");
+    assert.equal(page.match(/Suite Verdict<\/div>\n<div class="v">(\w+)</)[1], verdict, name);
+  }
+});
+
+test("the README's table of exit statuses agrees with the man page's", () => {
+  const section = README.match(/^## Exit status.*?\n(.*?)^## /ms)[1];
+  const rows = [...section.matchAll(/^\| (.*) \| (\d) \| (.*) \|$/gm)].map((row) => row.slice(1));
+  const pairs = rows.map(([, status, verdict]) => `${status} ${verdict}`);
+  const manual = [...MANUAL.matchAll(/^\.It .* Ta (\d) Ta (.*)$/gm)].map((row) => `${row[1]} ${row[2]}`);
+  assert.deepEqual(pairs, manual);
+});
+
+test("the limits in README and man page are those of the program", () => {
+  const entry = read(SOURCE, "src/report/report_entry.h");
+  const value = (name) => Number(entry.match(new RegExp(`${name} = (\\d+)`))[1]);
+  for (const text of [README, MANUAL]) {
+    const words = text.replace(/\s+/g, " ");
+    assert.match(words, new RegExp(`at most ${value("REPORT_MAX_CHECKS")} `));
+    assert.match(words, new RegExp(`cut to ${value("REPORT_TEXT_SIZE") - 1} bytes`));
+    assert.match(words, new RegExp(`error texts to ${value("REPORT_ERROR_SIZE") - 1}`));
+    assert.match(words, /4,095 characters/);
+  }
+});
+
+test("the page's storage key in the man page is the script's", () => {
+  const key = read(SOURCE, "src/summary/theme_script.js").match(/STORAGE_KEY = "(.*?)"/)[1];
+  assert.ok(MANUAL.includes(`.Ql ${key} .`));
+});
+
+test("the closing lines in the README are of a form that the program prints", (t) => {
+  const folder = temporaryFolder(t);
+  const args = ["--input", EXAMPLES, "-o", "out/summary.html", "--json"];
+  const shape = (text) => text.replace(/\d+/g, "N");
+  const printed = shape(run(PROGRAM, args, { cwd: folder, status: 1 }).stdout);
+  const blocks = fencedBlocks("README.md").filter(({ text }) => text.startsWith("wrote "));
+  assert.deepEqual(blocks.map(({ text }) => shape(text)), [printed]);
+});
+
+test("the bundled reports show every verdict", (t) => {
+  assert.deepEqual(unique(bundledReports(t).map((each) => each.verdict)), ["ERROR", "FAIL", "PASS"]);
+});

@@ -1,0 +1,135 @@
+// What the tests of installation, packages and documents share. tools/test-packaging
+// sets the environment: two copies of the tree in which tools/package has run.
+
+import assert from "node:assert/strict";
+import { spawnSync } from "node:child_process";
+import fs from "node:fs";
+import os from "node:os";
+import path from "node:path";
+import process from "node:process";
+import { fileURLToPath } from "node:url";
+import Ajv2020 from "ajv/dist/2020.js";
+
+export const SOURCE = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
+
+function builtCopy(variable) {
+  const folder = process.env[variable];
+  assert.ok(folder, `${variable} is not set: run tools/test-packaging`);
+  return folder;
+}
+
+export const FIRST = builtCopy("FTHSUMMARY_FIRST_COPY");
+export const SECOND = builtCopy("FTHSUMMARY_SECOND_COPY");
+export const PROGRAM = path.join(FIRST, "build/release/fthsummary");
+export const STATIC_PROGRAM = path.join(FIRST, "build/static/fthsummary");
+export const EXAMPLES = path.join(FIRST, "examples/reports");
+
+export function read(...parts) {
+  return fs.readFileSync(path.join(...parts), "utf8");
+}
+
+// The one file of a folder whose name has the ending.
+export function onlyFile(folder, ending) {
+  const names = fs.readdirSync(folder).filter((name) => name.endsWith(ending));
+  assert.equal(names.length, 1, `${folder} holds ${names.length} files *${ending}`);
+  return path.join(folder, names[0]);
+}
+
+export const packageOf = (copy) => onlyFile(path.join(copy, "build/packages"), ".deb");
+export const archiveOf = (copy) => onlyFile(path.join(copy, "build/packages"), ".tar.gz");
+
+// Runs a command; its status must be the expected one.
+export function run(command, args, { status = 0, ...options } = {}) {
+  const result = spawnSync(command, args, {
+    encoding: "utf8",
+    maxBuffer: 1 << 28,
+    ...options,
+    env: { ...process.env, LC_ALL: "C.UTF-8", ...options.env },
+  });
+  if (result.error) {
+    throw result.error;
+  }
+  assert.equal(
+    result.status,
+    status,
+    `${command} ${args.join(" ")}: status ${result.status}\n${result.stdout}${result.stderr}`,
+  );
+  return result;
+}
+
+// The same with the rights of root: as it is for root, else in a user namespace.
+export function runAsRoot(command, args, options) {
+  if (process.getuid() === 0) {
+    return run(command, args, options);
+  }
+  const probe = spawnSync("unshare", ["-r", "true"]);
+  assert.equal(probe.status, 0, "this test needs root, or user namespaces for unshare -r");
+  return run("unshare", ["-r", command, ...args], options);
+}
+
+// A folder that is removed when the test ends.
+export function temporaryFolder(test) {
+  const folder = fs.mkdtempSync(path.join(os.tmpdir(), "fthsummary-"));
+  test.after(() => fs.rmSync(folder, { recursive: true, force: true }));
+  return folder;
+}
+
+// Every file below a folder, sorted, by its path below it.
+export function filesBelow(folder) {
+  return fs
+    .readdirSync(folder, { withFileTypes: true })
+    .flatMap((entry) =>
+      entry.isDirectory()
+        ? filesBelow(path.join(folder, entry.name)).map((below) => `${entry.name}/${below}`)
+        : [entry.name],
+    )
+    .sort();
+}
+
+export function matchJson(file) {
+  const schema = JSON.parse(read(SOURCE, "docs/summary.schema.json"));
+  const validate = new Ajv2020({ allErrors: true, strict: true }).compile(schema);
+  validate(JSON.parse(read(file)));
+  return validate.errors ?? [];
+}
+
+// Runs the program with --json; the page is folder/index.html. Returns the JSON
+// summary, which must follow the schema.
+export function summarise(input, folder, { program = PROGRAM, status = 1 } = {}) {
+  run(program, ["--input", input, "-o", `${folder}/index.html`, "--json"], { status });
+  assert.deepEqual(matchJson(`${folder}/index.json`), []);
+  return JSON.parse(read(folder, "index.json"));
+}
+
+// The bundled reports that passed and those that did not, by their verdict.
+export function bundledReports(test) {
+  return summarise(EXAMPLES, temporaryFolder(test)).reports;
+}
+
+// Copies the first bundled report with the verdict, the rest of it as it is.
+export function copyReport(test, verdict, to) {
+  const report = bundledReports(test).find((each) => each.verdict === verdict);
+  fs.mkdirSync(path.dirname(to), { recursive: true });
+  fs.copyFileSync(path.join(EXAMPLES, report.relative_path), to);
+}
+
+// The fenced blocks of a document: language, the word "file=..." if any, the marker
+// in the comment above it, text.
+export function fencedBlocks(document) {
+  const pattern = /(?:<!-- (.*?) -->\n)?^```(\w*)(?: file=(\S+))?\n(.*?)^```$/gms;
+  return [...read(SOURCE, document).matchAll(pattern)].map(([, marker, language, file, text]) => ({
+    marker,
+    language,
+    file,
+    text,
+  }));
+}
+
+// One of the files that docs/ci.md shows, written into the folder.
+export function writeRecipe(name, folder, { mode = 0o755, edit = (text) => text } = {}) {
+  const block = fencedBlocks("docs/ci.md").find(({ file }) => file === name);
+  assert.ok(block, `docs/ci.md shows no file ${name}`);
+  const target = path.join(folder, path.basename(name));
+  fs.writeFileSync(target, edit(block.text), { mode });
+  return target;
+}

@@ -1,0 +1,331 @@
+// How the report reader collects the names of failed checks from the tab bar.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "report/scraped_report.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+const std::string BAR = "<nav class=\"nav-tabs\">";
+
+ReportEntry failed_report(const std::string& bar_text)
+{
+    const ReportEntry entry = scrape(verdict("FAIL") + bar_text);
+    EXPECT_EQ(entry.kind, ReportKind::Analyzed);
+    EXPECT_EQ(entry.passed, 0);
+    return entry;
+}
+
+void expect_names(const std::string& bar_text, const Names& gating, const Names& non_gating)
+{
+    SCOPED_TRACE(bar_text);
+    const ReportEntry entry = failed_report(bar_text);
+    EXPECT_EQ(failed_names(entry), gating);
+    EXPECT_EQ(non_gating_names(entry), non_gating);
+    EXPECT_TRUE(slots_untouched_from(entry.failed_checks, gating.size()));
+    EXPECT_TRUE(slots_untouched_from(entry.non_gating_checks, non_gating.size()));
+}
+
+// The tab is followed by another one, which shows whether the scan went on.
+void expect_first_name(const std::string& tab, const std::string& name)
+{
+    expect_names(bar(tab + gating_tab("Last")), {name, "Last"}, {});
+}
+
+void expect_passed_over(const std::string& tab)
+{
+    expect_names(bar(tab + gating_tab("Last")), {"Last"}, {});
+}
+
+} // namespace
+
+TEST(ReportTabs, FailedChecksAreListedInReportOrderEachInItsList)
+{
+    expect_names(bar(passing_tab("a") + gating_tab("b") + non_gating_tab("c") + gating_tab("d") +
+                     passing_tab("e") + non_gating_tab("f")),
+                 {"b", "d"}, {"c", "f"});
+}
+
+TEST(ReportTabs, AReportWithoutABarHasNoNames)
+{
+    expect_names(gating_tab("Level"), {}, {});
+    expect_names("<nav class=\"nav-tab\">" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<nav class='nav-tabs'>" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<NAV class=\"nav-tabs\">" + gating_tab("Level") + "</nav>", {}, {});
+}
+
+TEST(ReportTabs, ABarWithoutItsEndYieldsNoNamesAtAll)
+{
+    expect_names(BAR + gating_tab("Level"), {}, {});
+    expect_names(BAR + gating_tab("Level") + "</nav", {}, {});
+    expect_names(BAR + gating_tab("Level") + "</NAV>", {}, {});
+    expect_names(BAR + gating_tab("Level") + "\0</nav>"s, {}, {});
+    expect_names("</nav>" + BAR + gating_tab("Level"), {}, {});
+}
+
+TEST(ReportTabs, AnEmptyBarYieldsNoNames)
+{
+    expect_names(bar(""), {}, {});
+    expect_names(BAR + "</nav>", {}, {});
+}
+
+TEST(ReportTabs, TheBarEndsAtTheFirstEndAfterItsStart)
+{
+    expect_names("<nav></nav>" + BAR + gating_tab("in") + "</nav>" + gating_tab("out") + "</nav>",
+                 {"in"}, {});
+}
+
+TEST(ReportTabs, OnlyTheFirstBarCounts)
+{
+    expect_names(bar(gating_tab("one")) + bar(gating_tab("two")), {"one"}, {});
+    expect_names(bar("") + bar(gating_tab("two")), {}, {});
+}
+
+TEST(ReportTabs, TabsBeforeTheBarAreNotRead)
+{
+    expect_names(gating_tab("before") + bar(gating_tab("in")), {"in"}, {});
+}
+
+TEST(ReportTabs, ATagOfExactlyADataFailIsAFailingGatingTab)
+{
+    expect_first_name("<a data-fail>Level</a>", "Level");
+}
+
+TEST(ReportTabs, AnEmptyNameCounts)
+{
+    expect_first_name("<a data-fail></a>", "");
+    expect_names(bar("<a data-fail data-nongating></a><a data-fail data-nongating></a>"), {},
+                 {"", ""});
+}
+
+TEST(ReportTabs, ATabOrLineFeedAfterTheAIsNoTabAndTheScanMovesOn)
+{
+    expect_passed_over("<a\tdata-fail data-fail>no</a>\n");
+    expect_passed_over("<a\ndata-fail data-fail>no</a>\n");
+    expect_passed_over("<a\rx data-fail>no</a>\n");
+}
+
+TEST(ReportTabs, ACapitalAIsNoTabAndTheScanMovesOn)
+{
+    expect_passed_over("<A data-fail>no</A>\n");
+    expect_passed_over("<A data-fail>no</a>\n");
+}
+
+TEST(ReportTabs, OtherElementsAreNoTabs)
+{
+    expect_passed_over("<abbr data-fail>no</a>\n");
+    expect_passed_over("< a data-fail>no</a>\n");
+    expect_passed_over("<a>no</a>\n");
+    expect_passed_over("<button data-fail>no</button>\n");
+    expect_passed_over("<b data-fail>no</a>\n");
+}
+
+TEST(ReportTabs, ANameWithAReferenceKeepsIt)
+{
+    expect_first_name("<a data-fail>A &amp; B</a>", "A &amp; B");
+    expect_first_name("<a data-fail>&lt;&gt;&quot;&#39;</a>", "&lt;&gt;&quot;&#39;");
+}
+
+TEST(ReportTabs, ANameIsKeptAsItStandsWithBlanksAndMarkup)
+{
+    expect_first_name("<a data-fail> \tA\n</a>", " \tA\n");
+    expect_first_name("<a data-fail><b>A</b></a>", "<b>A</b>");
+    expect_first_name("<a data-fail>A</A></a>", "A</A>");
+    expect_first_name("<a data-fail>A</a ></a>", "A</a >");
+    expect_first_name("<a data-fail>A < b</a>", "A < b");
+}
+
+TEST(ReportTabs, ANameIsCutToItsFirst39Bytes)
+{
+    const std::string most = std::string(38, 'n') + "Z";
+    for (const char* attributes : {"data-fail", "data-fail data-nongating"}) {
+        const std::string tag = "<a "s + attributes + ">";
+        const ReportEntry entry =
+            failed_report(bar(tag + most.substr(1) + "</a>" + tag + most + "</a>" + tag + most +
+                              "!</a>" + tag + std::string(5000, 'x') + "</a>"));
+        const Names names = together(failed_names(entry), non_gating_names(entry));
+        EXPECT_EQ(names, Names({most.substr(1), most, most, std::string(39, 'x')}));
+    }
+}
+
+TEST(ReportTabs, ANameMayBeCutInsideAUtf8Character)
+{
+    const std::string text(38, 'n');
+    expect_first_name("<a data-fail>" + text + "\xc3\xa9</a>", text + "\xc3");
+}
+
+TEST(ReportTabs, DataFailCountsAnywhereInTheOpeningTag)
+{
+    expect_first_name("<a href=\"#x\" data-fail class=\"y\">A</a>", "A");
+    expect_first_name("<a  data-fail>A</a>", "A");
+    expect_first_name("<a data-fail=\"1\">A</a>", "A");
+    expect_first_name("<a data-failed>A</a>", "A");
+    expect_first_name("<a title=\"no data-fail\">A</a>", "A");
+}
+
+TEST(ReportTabs, DataFailNeedsItsLeadingSpaceAndItsExactBytes)
+{
+    for (const char* attribute :
+         {"data-fai", "xdata-fail", "x-data-fail", "x\tdata-fail", "DATA-FAIL", "data-Fail",
+          "data_fail", "data- fail", "\ndata-fail", "title=\"data-fail\""}) {
+        expect_passed_over("<a "s + attribute + ">no</a>\n");
+    }
+}
+
+TEST(ReportTabs, AnOpeningTagTooShortForDataFailIsNotFailing)
+{
+    expect_passed_over("<a >no</a>\n");
+    expect_passed_over("<a dat>no</a>\n");
+    expect_passed_over("<a data-fa>no data-fail</a>\n");
+}
+
+TEST(ReportTabs, TheFirstClosingAngleEndsTheTagEvenInsideQuotes)
+{
+    expect_passed_over("<a title=\"a>b\" data-fail>no</a>\n");
+    expect_first_name("<a data-fail title=\"a>b\">A</a>", "b\">A");
+    expect_names(bar("<a data-fail title=\"a>b\" data-nongating>A</a>"), {"b\" data-nongating>A"},
+                 {});
+}
+
+TEST(ReportTabs, ACloseInsideTheOpeningTagIsPartOfTheTag)
+{
+    expect_first_name("<a data-fail </a>A</a>", "A");
+    expect_first_name("<a title=\"</a\" data-fail>A</a>", "A");
+    expect_names(bar("<a data-fail </a>"), {}, {});
+}
+
+TEST(ReportTabs, DataFailHasToEndBeforeTheClosingAngle)
+{
+    expect_passed_over("<a data-fai>l data-fail</a>\n");
+    expect_passed_over("<a x> data-fail</a>\n");
+}
+
+TEST(ReportTabs, DataNonGatingBeforeDataFailMakesANonGatingFailureAllTheSame)
+{
+    expect_names(bar("<a data-nongating data-fail>A</a><a data-fail data-nongating>B</a>"
+                     "<a data-fail href=\"#c\" data-nongating>C</a>"),
+                 {}, {"A", "B", "C"});
+}
+
+TEST(ReportTabs, DataNonGatingAloneIsNoFailure)
+{
+    expect_passed_over("<a data-nongating>no</a>\n");
+}
+
+TEST(ReportTabs, DataNonGatingNeedsItsExactBytesInsideTheTag)
+{
+    expect_names(bar("<a data-fail data-nongatin>A</a><a data-fail\tdata-nongating>B</a>"
+                     "<a data-fail data-NonGating>C</a><a data-fail> data-nongating</a>"
+                     "<a data-fail=\"data-nongating\">D</a>"),
+                 {"A", "B", "C", " data-nongating", "D"}, {});
+    expect_names(bar("<a data-fail data-nongating-x>A</a><a data-fail=\"x data-nongating\">B</a>"),
+                 {}, {"A", "B"});
+}
+
+TEST(ReportTabs, ATabThatTouchesTheEndOfTheBarIsRead)
+{
+    expect_names(BAR + "<a data-fail>A</a></nav>", {"A"}, {});
+    expect_names(BAR + "<a data-fail></a></nav>", {""}, {});
+}
+
+TEST(ReportTabs, ANameThatIsNotClosedBeforeTheEndOfTheBarIsNotRead)
+{
+    for (const char* rest : {"", "A", "A</a", "A</", "A<"}) {
+        expect_names(BAR + "<a data-fail>" + rest + "</nav></a>", {}, {});
+    }
+}
+
+TEST(ReportTabs, ATagThatIsNotClosedBeforeTheEndOfTheBarIsNotRead)
+{
+    expect_names(BAR + "<a data-fail</nav>A</a></nav>", {}, {});
+    expect_names(BAR + "<a </nav> data-fail>A</a></nav>", {}, {});
+    expect_names(BAR + "<a</nav> data-fail>A</a></nav>", {}, {});
+}
+
+TEST(ReportTabs, AnUnreadTabEndsTheScanButKeepsTheNamesBefore)
+{
+    expect_names(BAR + gating_tab("A") + non_gating_tab("B") + "<a data-fail>C</nav></a>", {"A"},
+                 {"B"});
+}
+
+TEST(ReportTabs, AFailedScanDoesNotKeepTheModeFromBeingRead)
+{
+    const std::string figure = mode_figure("Loopback", "stereo");
+    for (const std::string& broken :
+         {BAR + "<a data-fail>A</nav>", BAR + "<a data-fail</nav>", BAR, BAR + "</nav>"}) {
+        const ReportEntry entry = failed_report(broken + figure);
+        EXPECT_EQ(entry.failed_check_count, 0U);
+        EXPECT_STREQ(entry.analysis_mode, "Loopback");
+        EXPECT_STREQ(entry.analysis_mode_sub, "stereo");
+    }
+}
+
+TEST(ReportTabs, AnUnclosedTabTakesInTheNextOne)
+{
+    expect_names(bar("<a data-fail>A<a data-fail>B</a><a data-fail>C</a>"),
+                 {"A<a data-fail>B", "C"}, {});
+    expect_names(bar("<a x>A<a data-fail>B</a><a data-fail>C</a>"), {"C"}, {});
+    expect_names(bar("<a x <a data-fail>B</a>"), {"B"}, {});
+}
+
+TEST(ReportTabs, TheNextTabMayFollowTheCloseDirectly)
+{
+    expect_names(BAR + "<a data-fail>A</a><a data-fail>B</a></nav>", {"A", "B"}, {});
+}
+
+TEST(ReportTabs, CarriageReturnsBetweenTabsDoNoHarm)
+{
+    expect_names(BAR + "\r\n<a data-fail>A</a>\r\n<a data-fail>B</a>\r\n</nav>\r\n", {"A", "B"},
+                 {});
+}
+
+TEST(ReportTabs, FifteenSixteenAndSeventeenGatingNamesGiveAtMostSixteen)
+{
+    expect_names(bar(gating_tabs("g", 15)), numbered("g", 15), {});
+    expect_names(bar(gating_tabs("g", 16)), numbered("g", 16), {});
+    expect_names(bar(gating_tabs("g", 17)), numbered("g", 16), {});
+}
+
+TEST(ReportTabs, FifteenSixteenAndSeventeenNonGatingNamesGiveAtMostSixteen)
+{
+    expect_names(bar(non_gating_tabs("n", 15)), {}, numbered("n", 15));
+    expect_names(bar(non_gating_tabs("n", 16)), {}, numbered("n", 16));
+    expect_names(bar(non_gating_tabs("n", 17)), {}, numbered("n", 16));
+}
+
+TEST(ReportTabs, TwentyGatingTabsKeepTheFirstSixteenAndANonGatingTabAfterThemIsNotRecorded)
+{
+    expect_names(bar(gating_tabs("g", 20) + non_gating_tab("late")), numbered("g", 16), {});
+}
+
+TEST(ReportTabs, TheScanStopsForBothKindsWhenEitherListIsFull)
+{
+    expect_names(bar(gating_tabs("g", 16) + non_gating_tab("late")), numbered("g", 16), {});
+    expect_names(bar(non_gating_tabs("n", 16) + gating_tab("late")), {}, numbered("n", 16));
+}
+
+TEST(ReportTabs, WithFifteenNamesInAListTheScanGoesOn)
+{
+    expect_names(bar(gating_tabs("g", 15) + non_gating_tab("late")), numbered("g", 15), {"late"});
+    expect_names(bar(non_gating_tabs("n", 15) + gating_tab("late")), {"late"}, numbered("n", 15));
+    expect_names(bar(gating_tabs("g", 15) + non_gating_tabs("n", 15)), numbered("g", 15),
+                 numbered("n", 15));
+}
+
+TEST(ReportTabs, PassingTabsDoNotCountTowardsSixteen)
+{
+    std::string tabs;
+    for (int i = 0; i < 100; ++i) {
+        tabs += passing_tab("fine");
+    }
+    expect_names(bar(tabs + gating_tab("Level")), {"Level"}, {});
+}
+
+TEST(ReportTabs, ABrokenTabAfterTheSixteenthDoesNoHarm)
+{
+    expect_names(BAR + gating_tabs("g", 16) + "<a data-fail</nav>", numbered("g", 16), {});
+}

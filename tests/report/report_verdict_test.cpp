@@ -1,0 +1,286 @@
+// How the report reader finds the verdict, what it makes of its word, and the
+// error text of an errored run.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "report/scraped_report.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+const std::string LABEL = "<div class=\"k\">Overall Verdict</div>";
+const std::string VALUE = "<div class=\"v\">";
+const std::string PARAGRAPH = "<p class=\"run-error\">";
+
+void expect_verdict(const std::string& document, bool passed)
+{
+    SCOPED_TRACE(document);
+    const ReportEntry entry = scrape(document);
+    EXPECT_EQ(entry.kind, ReportKind::Analyzed);
+    EXPECT_EQ(entry.passed, passed ? 1 : 0);
+}
+
+// The error text of a report that shows ERROR and then the rest.
+std::string error_of(const std::string& rest)
+{
+    const ReportEntry entry = scrape(verdict("ERROR") + rest);
+    EXPECT_EQ(entry.kind, ReportKind::RunError);
+    return entry.error;
+}
+
+} // namespace
+
+TEST(ReportVerdict, TheWordPassIsAPass)
+{
+    expect_verdict(verdict("PASS"), true);
+}
+
+TEST(ReportVerdict, TheWordFailIsAFail)
+{
+    expect_verdict(verdict("FAIL"), false);
+}
+
+TEST(ReportVerdict, AWordThatOnlyBeginsWithPassIsAPass)
+{
+    expect_verdict(verdict("PASSED"), true);
+    expect_verdict(verdict("PASS with remarks"), true);
+    expect_verdict(verdict("PASSERROR"), true);
+}
+
+TEST(ReportVerdict, PassNotInUpperCaseIsAFail)
+{
+    expect_verdict(verdict("Pass"), false);
+    expect_verdict(verdict("pass"), false);
+    expect_verdict(verdict("PASs"), false);
+}
+
+TEST(ReportVerdict, AnyOtherWordIsAFail)
+{
+    for (const char* word : {"", " PASS", "\nPASS", "PAS", "BYPASS", "N/A", "Error", "error",
+                             "ERRO", " ERROR", "FAILERROR", "<b>PASS</b>"}) {
+        expect_verdict(verdict(word), false);
+    }
+}
+
+TEST(ReportVerdict, AWordThatBeginsWithErrorIsARunError)
+{
+    for (const char* word : {"ERROR", "ERRORS", "ERROR: no input", "ERRORPASS"}) {
+        SCOPED_TRACE(word);
+        expect_empty(scrape(verdict(word)), ReportKind::RunError);
+    }
+}
+
+TEST(ReportVerdict, AWordCutByTheEndOfTheDocumentCountsByWhatIsThere)
+{
+    expect_verdict(LABEL + VALUE, false);
+    expect_verdict(LABEL + VALUE + "P", false);
+    expect_verdict(LABEL + VALUE + "PAS", false);
+    expect_verdict(LABEL + VALUE + "PASS", true);
+    expect_verdict(LABEL + VALUE + "ERRO", false);
+    expect_empty(scrape(LABEL + VALUE + "ERROR"), ReportKind::RunError);
+}
+
+TEST(ReportVerdict, AWordCutByANulCountsByWhatStandsBefore)
+{
+    expect_verdict(LABEL + VALUE + "PAS\0S"s, false);
+    expect_verdict(LABEL + VALUE + "PASS\0"s, true);
+    expect_verdict(LABEL + VALUE + "ERRO\0R"s, false);
+}
+
+TEST(ReportVerdict, AValueAfterANulIsNotSeen)
+{
+    expect_verdict(LABEL + "\0"s + VALUE + "PASS</div>", false);
+    expect_verdict(LABEL + "<div class=\"v\"\0>PASS</div>"s, false);
+}
+
+TEST(ReportVerdict, AValueTagThatLacksItsLastByteIsNoValue)
+{
+    expect_verdict(LABEL + "<div class=\"v\"", false);
+    expect_verdict(LABEL + "<div class=\"v\"PASS</div>", false);
+}
+
+TEST(ReportVerdict, ALabelWithoutAnyValueAfterItIsAFailAndTabsAndModeAreStillRead)
+{
+    const ReportEntry entry =
+        scrape(LABEL + "\n" + bar(gating_tab("Level")) + "<div class=\"k\">Sample Rate</div>\n");
+    EXPECT_EQ(entry.kind, ReportKind::Analyzed);
+    EXPECT_EQ(entry.passed, 0);
+    EXPECT_EQ(failed_names(entry), Names({"Level"}));
+
+    // The mode figure has a value tag of its own, so it has to stand before.
+    const ReportEntry moded =
+        scrape(mode_figure("Loopback", "stereo") + bar(gating_tab("Level")) + LABEL);
+    EXPECT_EQ(moded.kind, ReportKind::Analyzed);
+    EXPECT_EQ(moded.passed, 0);
+    EXPECT_STREQ(moded.analysis_mode, "Loopback");
+    EXPECT_STREQ(moded.analysis_mode_sub, "stereo");
+    EXPECT_EQ(failed_names(moded), Names({"Level"}));
+}
+
+TEST(ReportVerdict, ThePresenceOfTheLabelAloneMakesAnAnalyzeReport)
+{
+    expect_empty(scrape(LABEL), ReportKind::Analyzed);
+    expect_empty(scrape("x" + LABEL + "x"), ReportKind::Analyzed);
+}
+
+TEST(ReportVerdict, ALabelThatDiffersInOneByteIsNone)
+{
+    for (std::size_t place = 0; place < LABEL.size(); ++place) {
+        SCOPED_TRACE(place);
+        std::string label = LABEL;
+        label[place] = static_cast<char>(label[place] ^ 0x20);
+        expect_empty(scrape(label + VALUE + "PASS</div>"), ReportKind::NotAnalyzeReport);
+        label.erase(place, 1);
+        expect_empty(scrape(label + VALUE + "PASS</div>"), ReportKind::NotAnalyzeReport);
+    }
+}
+
+TEST(ReportVerdict, ALabelCutByTheEndOfTheDocumentIsNone)
+{
+    expect_empty(scrape(LABEL.substr(0, LABEL.size() - 1)), ReportKind::NotAnalyzeReport);
+}
+
+TEST(ReportVerdict, ALabelAfterTheBeginningOfAnotherIsFound)
+{
+    expect_verdict("<div class=\"k\">Overall " + verdict("PASS"), true);
+    expect_verdict("<" + verdict("PASS"), true);
+    expect_verdict("<div class=\"k\"><div class=\"k\">Overall Verdict</div" + verdict("PASS"),
+                   true);
+}
+
+TEST(ReportVerdict, AnythingMayStandBetweenLabelAndValue)
+{
+    expect_verdict(LABEL + VALUE + "PASS", true);
+    expect_verdict(LABEL + "\r\n  " + VALUE + "PASS", true);
+    expect_verdict(LABEL + "<p>PASS</p><div class=\"w\">FAIL</div>" + VALUE + "PASS", true);
+    expect_verdict(LABEL + std::string(100000, '<') + VALUE + "PASS", true);
+}
+
+TEST(ReportVerdict, TheFirstValueAfterTheLabelCounts)
+{
+    expect_verdict(LABEL + VALUE + "PASS</div>" + VALUE + "FAIL</div>", true);
+    expect_verdict(LABEL + VALUE + "FAIL</div>" + VALUE + "PASS</div>", false);
+    expect_verdict(LABEL + "\n" + mode_figure("PASSIVE", "") + VALUE + "FAIL</div>", true);
+}
+
+TEST(ReportVerdict, AValueBeforeTheLabelDoesNotCount)
+{
+    expect_verdict(VALUE + "PASS</div>\n" + verdict("FAIL"), false);
+    expect_verdict(VALUE + "PASS</div>\n" + LABEL, false);
+    expect_verdict(VALUE + "ERROR</div>\n" + verdict("PASS"), true);
+}
+
+TEST(ReportVerdict, TheFirstLabelCounts)
+{
+    expect_verdict(verdict("FAIL") + verdict("PASS"), false);
+    expect_verdict(verdict("PASS") + verdict("ERROR"), true);
+    expect_verdict(LABEL + verdict("PASS"), true);
+}
+
+TEST(RunErrorText, IsReadWhereverTheParagraphStands)
+{
+    EXPECT_EQ(error_of(run_error("no input")), "no input");
+    const ReportEntry before = scrape(run_error("no input") + verdict("ERROR"));
+    EXPECT_EQ(before.kind, ReportKind::RunError);
+    EXPECT_STREQ(before.error, "no input");
+}
+
+TEST(RunErrorText, IsDecodedInOnePassAndNeverInTwo)
+{
+    EXPECT_EQ(error_of(run_error("a &amp;lt; b")), "a &lt; b");
+}
+
+TEST(RunErrorText, HasItsFiveReferencesDecodedAndNoOthers)
+{
+    EXPECT_EQ(error_of(run_error("&amp;&lt;&gt;&quot;&#39;")), "&<>\"'");
+    EXPECT_EQ(error_of(run_error("&nbsp;&#34;&AMP;&amp")), "&nbsp;&#34;&AMP;&amp");
+}
+
+TEST(RunErrorText, IsNotTrimmedAndKeepsTagsAndLineFeeds)
+{
+    EXPECT_EQ(error_of(run_error(" \n<b>no</b>\tinput\r\n ")), " \n<b>no</b>\tinput\r\n ");
+}
+
+TEST(RunErrorText, IsEmptyWithoutAParagraph)
+{
+    EXPECT_EQ(error_of(""), "");
+    EXPECT_EQ(error_of("<p class=\"run-error\" >no input</p>"), "");
+    EXPECT_EQ(error_of("<p class='run-error'>no input</p>"), "");
+    EXPECT_EQ(error_of("<P class=\"run-error\">no input</P>"), "");
+    EXPECT_EQ(error_of("<p class=\"run-error\"</p>"), "");
+}
+
+TEST(RunErrorText, IsEmptyWithoutTheEndOfTheParagraph)
+{
+    EXPECT_EQ(error_of(PARAGRAPH + "no input"), "");
+    EXPECT_EQ(error_of(PARAGRAPH + "no input</p"), "");
+    EXPECT_EQ(error_of(PARAGRAPH + "no input</P>"), "");
+    EXPECT_EQ(error_of(PARAGRAPH + "no input\0</p>"s), "");
+    EXPECT_EQ(error_of(PARAGRAPH), "");
+}
+
+TEST(RunErrorText, IsEmptyWhenTheParagraphIs)
+{
+    EXPECT_EQ(error_of(run_error("")), "");
+    EXPECT_EQ(error_of(PARAGRAPH + "</p>"), "");
+}
+
+TEST(RunErrorText, EndsAtTheFirstEndOfAParagraphAfterItsStart)
+{
+    EXPECT_EQ(error_of("<p>before</p>\n" + run_error("no input") + "<p>after</p>\n"), "no input");
+    EXPECT_EQ(error_of(PARAGRAPH + "one</p>two</p>"), "one");
+    EXPECT_EQ(error_of("</p>" + PARAGRAPH + "one"), "");
+}
+
+TEST(RunErrorText, OfTheFirstParagraphCounts)
+{
+    EXPECT_EQ(error_of(run_error("one") + run_error("two")), "one");
+    EXPECT_EQ(error_of(run_error("") + run_error("two")), "");
+    EXPECT_EQ(error_of(PARAGRAPH + "one" + run_error("two")), "one" + PARAGRAPH + "two");
+}
+
+TEST(RunErrorText, AReferenceCutByTheEndOfTheParagraphIsPlainText)
+{
+    EXPECT_EQ(error_of(run_error("a &amp")), "a &amp");
+    EXPECT_EQ(error_of(PARAGRAPH + "&lt</p>;"), "&lt");
+}
+
+TEST(RunErrorText, OfSevenHundredPlainBytesIsCutToItsFirst639)
+{
+    const std::string text = "begin" + std::string(695, 'e');
+    EXPECT_EQ(error_of(run_error(text)), "begin" + std::string(634, 'e'));
+}
+
+TEST(RunErrorText, IsCutOnlyFrom640BytesOn)
+{
+    const std::string most = std::string(638, 'e') + "Z";
+    EXPECT_EQ(error_of(run_error(most.substr(1))), most.substr(1));
+    EXPECT_EQ(error_of(run_error(most)), most);
+    EXPECT_EQ(error_of(run_error(most + "!")), most);
+}
+
+TEST(RunErrorText, IsCutByTheBytesThatReferencesStandFor)
+{
+    EXPECT_EQ(error_of(run_error(repeated("&lt;", 700))), std::string(639, '<'));
+    const std::string text = std::string(638, 'e') + "&quot;";
+    EXPECT_EQ(error_of(run_error(text + "x")), std::string(638, 'e') + "\"");
+    EXPECT_EQ(error_of(run_error("e" + text)), std::string(639, 'e'));
+}
+
+TEST(RunErrorText, MayBeCutInsideAUtf8Character)
+{
+    const std::string text(638, 'e');
+    EXPECT_EQ(error_of(run_error(text + "\xc3\xa9")), text + "\xc3");
+}
+
+TEST(RunErrorText, IsNotReadFromAReportThatShowsAnotherVerdict)
+{
+    for (const char* word : {"PASS", "FAIL", "Error"}) {
+        const ReportEntry entry = scrape(verdict(word) + run_error("no input"));
+        EXPECT_EQ(entry.kind, ReportKind::Analyzed);
+        EXPECT_STREQ(entry.error, "");
+    }
+}

@@ -1,0 +1,860 @@
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "scan/scan_reports.h"
+#include "support/allocation_faults.h"
+#include "support/process.h"
+#include "support/temp_folder.h"
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+using ::testing::UnorderedElementsAreArray;
+
+namespace {
+
+constexpr unsigned HANG_SECONDS = 60;
+constexpr std::size_t DEEP_LEVELS = 2040; // "./a/a/.../a/r.html": 4088 characters
+constexpr rlim_t DEEP_DESCRIPTORS = 2200;
+constexpr rlim_t STACK_BYTES = 8U << 20;
+
+using Paths = std::vector<std::string>;
+
+struct Walk
+{
+    bool result;
+    Paths paths;
+};
+
+// What the list holds; the list is released.
+Walk finished(bool result, FileList& list)
+{
+    Walk walk = {result, Paths(list.paths, list.paths + list.count)};
+    file_list_free(list);
+    return walk;
+}
+
+Walk walk_of(const std::string& folder, const char* page = nullptr)
+{
+    FileList list;
+    file_list_init(list);
+    return finished(scan_reports(folder.c_str(), page, list), list);
+}
+
+Walk walk_below(const std::string& folder, const std::string& prefix,
+                const char* canonical_page = nullptr)
+{
+    FileList list;
+    file_list_init(list);
+    return finished(scan_directory(folder.c_str(), prefix.c_str(), canonical_page, list), list);
+}
+
+// The paths of a walk that succeeds.
+Paths listed(const std::string& folder, const std::string& page = "")
+{
+    const Walk walk = walk_of(folder, page.empty() ? nullptr : page.c_str());
+    EXPECT_TRUE(walk.result) << folder;
+    return walk.paths;
+}
+
+Paths sorted(Paths paths)
+{
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+// The names of a folder in the order of its listing, "." and ".." left out.
+Paths listing_of(const std::string& folder)
+{
+    Paths names;
+    DIR* listing = opendir(folder.c_str());
+    EXPECT_NE(listing, nullptr) << folder;
+    while (const dirent* entry = listing == nullptr ? nullptr : readdir(listing)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+    }
+    if (listing != nullptr) {
+        closedir(listing);
+    }
+    return names;
+}
+
+// A plain walk over the names that the order test makes: folders begin with "d",
+// reports end in ".html".
+void plain_walk(const std::string& folder, const std::string& prefix, Paths& paths)
+{
+    for (const std::string& name : listing_of(folder)) {
+        if (name.front() == 'd') {
+            plain_walk(folder + "/" + name, prefix + name + "/", paths);
+        } else if (name.ends_with(".html")) {
+            paths.push_back(prefix + name);
+        }
+    }
+}
+
+// How many descriptors below limit are in use. Others may have been inherited.
+std::size_t open_descriptors(rlim_t limit = 1024)
+{
+    std::size_t count = 0;
+    for (int descriptor = 0; static_cast<rlim_t>(descriptor) < limit; ++descriptor) {
+        count += fcntl(descriptor, F_GETFD) != -1 ? 1U : 0U;
+    }
+    return count;
+}
+
+void make_socket(const std::string& path)
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(descriptor, 0);
+    EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    close(descriptor);
+}
+
+// A folder below temp whose path has exactly length characters.
+std::string make_folder_of_length(const TempFolder& temp, std::size_t length)
+{
+    std::string path = temp.path();
+    while (path.size() < length) {
+        const std::size_t room = length - path.size() - 1;
+        const std::size_t name = room <= 200 ? room : std::min<std::size_t>(200, room - 2);
+        path += "/" + std::string(name, 'd');
+    }
+    std::filesystem::create_directories(path);
+    return path;
+}
+
+// Files whose path may be longer than a system call takes.
+void make_files_in(const std::string& folder, const Paths& names)
+{
+    const int parent = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_GE(parent, 0);
+    for (const std::string& name : names) {
+        const int file = openat(parent, name.c_str(), O_WRONLY | O_CREAT, 0644);
+        EXPECT_GE(file, 0) << name;
+        close(file);
+    }
+    close(parent);
+}
+
+// DEEP_LEVELS folders "a", one inside the other, with a file r.html in the top and
+// in each of them; removed again with few descriptors and short paths.
+class DeepTree
+{
+public:
+    DeepTree() : top_(open(temp_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        int folder = dup(top_);
+        close(openat(folder, "r.html", O_WRONLY | O_CREAT, 0644));
+        for (std::size_t level = 0; level < DEEP_LEVELS; ++level) {
+            EXPECT_EQ(mkdirat(folder, "a", 0755), 0);
+            const int inner = openat(folder, "a", O_RDONLY | O_DIRECTORY);
+            EXPECT_GE(inner, 0);
+            fchmod(inner, 0755);
+            close(openat(inner, "r.html", O_WRONLY | O_CREAT, 0644));
+            close(folder);
+            folder = inner;
+        }
+        close(folder);
+    }
+
+    ~DeepTree()
+    {
+        // The second folder is moved up before the first is removed.
+        bool more = true;
+        while (more) {
+            unlinkat(top_, "a/r.html", 0);
+            more = renameat(top_, "a/a", top_, "b") == 0;
+            EXPECT_EQ(unlinkat(top_, "a", AT_REMOVEDIR), 0);
+            more = more && renameat(top_, "b", top_, "a") == 0;
+        }
+        close(top_);
+    }
+
+    DeepTree(const DeepTree&) = delete;
+    DeepTree& operator=(const DeepTree&) = delete;
+
+    std::string path() const
+    {
+        return temp_.path();
+    }
+
+private:
+    TempFolder temp_;
+    int top_;
+};
+
+// "r.html", "a/r.html", "a/a/r.html" and so on, folders of them.
+Paths deep_paths(std::size_t folders)
+{
+    Paths paths;
+    std::string prefix;
+    for (std::size_t i = 0; i < folders; ++i) {
+        paths.push_back(prefix + "r.html");
+        prefix += "a/";
+    }
+    return paths;
+}
+
+// Walks the deep tree as an ordinary user with so many descriptors and an 8 MiB
+// stack. 0: it listed what as many folders hold as can be open at once.
+int walk_deep_tree(const DeepTree& tree, rlim_t descriptors)
+{
+    return run_unprivileged([&] {
+        alarm(HANG_SECONDS);
+        rlimit files = {};
+        getrlimit(RLIMIT_NOFILE, &files);
+        files.rlim_cur = std::min(descriptors, files.rlim_max);
+        const rlimit stack = {STACK_BYTES, STACK_BYTES};
+        if (setrlimit(RLIMIT_STACK, &stack) != 0 || setrlimit(RLIMIT_NOFILE, &files) != 0 ||
+            chdir(tree.path().c_str()) != 0) {
+            return 2;
+        }
+        const std::size_t free =
+            static_cast<std::size_t>(files.rlim_cur) - open_descriptors(files.rlim_cur);
+        const Walk walk = walk_of(".");
+        if (!walk.result) {
+            return 3;
+        }
+        return sorted(walk.paths) == sorted(deep_paths(std::min(DEEP_LEVELS + 1, free))) ? 0 : 4;
+    });
+}
+
+} // namespace
+
+TEST(ScanReports, OfAnInputThatIsARegularFileOrDoesNotExistFails)
+{
+    const TempFolder temp;
+    temp.write("file.html", "");
+    temp.link("nowhere", "dangling");
+    temp.link("loop", "loop");
+    temp.link("file.html", "filelink");
+    ASSERT_EQ(mkfifo(temp.path("fifo").c_str(), 0644), 0);
+    make_socket(temp.path("socket"));
+    for (const std::string& path :
+         {temp.path("file.html"), temp.path("missing"), temp.path("missing/below"),
+          temp.path("file.html/"), temp.path("dangling"), temp.path("loop"), temp.path("filelink"),
+          temp.path("fifo"), temp.path("socket"), std::string("/dev/null"), std::string(),
+          temp.path() + std::string(5000, '/')}) {
+        const Walk walk = walk_of(path);
+        EXPECT_FALSE(walk.result) << path;
+        EXPECT_THAT(walk.paths, IsEmpty()) << path;
+    }
+}
+
+TEST(ScanReports, OfAnInputThatMayNotBeListedFails)
+{
+    const TempFolder temp;
+    temp.write("closed/r.html", "");
+    temp.write("searchable/r.html", "");
+    temp.chmod("closed", 0);
+    temp.chmod("searchable", 0111);
+    const int succeeded = run_unprivileged([&] {
+        return (walk_of(temp.path("closed")).result ? 1 : 0) +
+               (walk_of(temp.path("searchable")).result ? 2 : 0);
+    });
+    EXPECT_EQ(succeeded, 0);
+}
+
+TEST(ScanReports, OfAnEmptyInputYieldsAnEmptyListAndSuccess)
+{
+    const TempFolder temp;
+    EXPECT_THAT(listed(temp.path()), IsEmpty());
+    temp.make_folder("only/empty/folders.html");
+    EXPECT_THAT(listed(temp.path()), IsEmpty());
+}
+
+TEST(ScanReports, ListsReportHTMLxHtmHiddenAndExactlyDotHtmButNoOtherEndings)
+{
+    const TempFolder temp;
+    for (const char* name : {"Report.HTML", "x.Htm", ".hidden.html", ".htm", "a.xhtml",
+                             "page.html.bak", "notes.txt"}) {
+        temp.write(name, "");
+    }
+    EXPECT_THAT(listed(temp.path()),
+                UnorderedElementsAre("Report.HTML", "x.Htm", ".hidden.html", ".htm"));
+}
+
+TEST(ScanReports, ListsEveryCaseOfBothEndings)
+{
+    const TempFolder temp;
+    Paths expected;
+    for (const std::string ending : {".html", ".htm"}) {
+        for (unsigned upper = 0; upper < 1U << (ending.size() - 1); ++upper) {
+            std::string name = "x" + ending;
+            for (std::size_t i = 0; i + 1 < ending.size(); ++i) {
+                if ((upper >> i & 1U) != 0) {
+                    name[i + 2] = "HTML"[i];
+                }
+            }
+            temp.write(name, "");
+            expected.push_back(name);
+        }
+    }
+    ASSERT_EQ(expected.size(), 24U);
+    EXPECT_THAT(listed(temp.path()), UnorderedElementsAreArray(expected));
+}
+
+TEST(ScanReports, DecidesNamesOfThreeToSixCharactersByTheirLastFourOrFive)
+{
+    const TempFolder temp;
+    for (const char* name : {"htm",    ".ht",    "x.h",    ".htm",   "html",  "xhtm",  ".hml",
+                             ".html",  "x.htm",  "xhtml",  "..htm",  ".htmx", "x.htl", "x.html",
+                             "xx.htm", ".htmlx", "..html", "x.hhtm", "h.tml", ".html."}) {
+        temp.write(name, "");
+    }
+    EXPECT_THAT(listed(temp.path()), UnorderedElementsAre(".htm", ".html", "x.htm", "..htm",
+                                                          "x.html", "xx.htm", "..html"));
+}
+
+TEST(ScanReports, ListsNothingWhoseEndingIsFollowedByAnything)
+{
+    const TempFolder temp;
+    for (const char* name : {"x.html ", "x.html\n", "x.htm~", "x.html.", "x.htmll", "x.htmlm",
+                             "x.html\x80", "x.shtml", "x.htm1"}) {
+        temp.write(name, "");
+    }
+    EXPECT_THAT(listed(temp.path()), IsEmpty());
+}
+
+TEST(ScanReports, FoldsAToZAloneInEachPositionOfTheEnding)
+{
+    const TempFolder temp;
+    Paths names;
+    Paths expected = {"x.htm",  "x.html", "x.Htm",  "x.hTm", "x.htM",
+                      "x.Html", "x.hTml", "x.htMl", "x.htmL"};
+    for (const std::string ending : {".html", ".htm"}) {
+        for (std::size_t position = 0; position < ending.size(); ++position) {
+            for (int byte = 1; byte < 256; ++byte) {
+                std::string name = "x" + ending;
+                name[position + 1] = static_cast<char>(byte);
+                if (byte != '/') {
+                    names.push_back(name);
+                }
+            }
+        }
+    }
+    make_files_in(temp.path(), names);
+    EXPECT_EQ(sorted(listed(temp.path())), sorted(expected));
+}
+
+TEST(ScanReports, ListsNamesOfEveryByteAsTheyAre)
+{
+    const TempFolder temp;
+    Paths expected;
+    std::string low;
+    std::string high;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/') {
+            (byte < 128 ? low : high) += static_cast<char>(byte);
+            expected.push_back(std::string("r") + static_cast<char>(byte) + ".html");
+        }
+    }
+    make_files_in(temp.path(), expected);
+    for (const std::string& path : {low + "/" + high + ".html", high + "/" + low + ".htm"}) {
+        temp.write(path, "");
+        expected.push_back(path);
+    }
+    ASSERT_EQ(expected.size(), 256U);
+    EXPECT_EQ(sorted(listed(temp.path())), sorted(expected));
+}
+
+TEST(ScanReports, ListsFilesInsideHiddenFolders)
+{
+    const TempFolder temp;
+    temp.write(".hidden/r.html", "");
+    temp.write(".a/.b/.c.htm", "");
+    temp.write("...", "");
+    temp.write("..x/r.html", "");
+    temp.write("..../r.html", "");
+    EXPECT_THAT(listed(temp.path()), UnorderedElementsAre(".hidden/r.html", ".a/.b/.c.htm",
+                                                          "..x/r.html", "..../r.html"));
+}
+
+TEST(ScanReports, WalksIntoAFolderNamedOldHtmlAndDoesNotListIt)
+{
+    const TempFolder temp;
+    temp.write("old.html/new.html", "");
+    temp.make_folder("empty.htm");
+    EXPECT_THAT(listed(temp.path()), ElementsAre("old.html/new.html"));
+}
+
+TEST(ScanReports, ListsInTheOrderOfTheDirectoryListingDepthFirst)
+{
+    const TempFolder temp;
+    for (int i = 0; i < 100; ++i) {
+        const std::string number = std::to_string(i * 7919 % 100);
+        temp.write("r" + number + ".html", "");
+        temp.write("n" + number + ".txt", "");
+        temp.write("d" + number + "/r.html", "");
+        temp.write("d" + number + "/d/r" + number + ".html", "");
+        temp.write("d" + number + "/d/s.html", "");
+        temp.write("d" + number + "/s.html", "");
+    }
+    Paths expected;
+    plain_walk(temp.path(), "", expected);
+    ASSERT_EQ(expected.size(), 500U);
+    EXPECT_NE(expected, sorted(expected)) << "the listing is sorted: the order shows nothing";
+    EXPECT_EQ(listed(temp.path()), expected);
+}
+
+TEST(ScanReports, PutsNothingBeforeTheRelativePathHoweverTheInputIsTyped)
+{
+    const TempFolder temp;
+    temp.write("in/a/b/r.html", "");
+    temp.chmod("in", 0755);
+    temp.chmod("in/a", 0755);
+    temp.chmod("in/a/b", 0755);
+    for (const std::string typed : {"in", "in/", "in//", "./in", "in/.", "in/a/.."}) {
+        EXPECT_THAT(listed(temp.path() + "/" + typed), ElementsAre("a/b/r.html")) << typed;
+        const int status = run_unprivileged([&] {
+            return chdir(temp.path().c_str()) == 0 && listed(typed) == Paths{"a/b/r.html"} ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << typed;
+    }
+}
+
+TEST(ScanReports, AppendsToWhatTheListHolds)
+{
+    const TempFolder temp;
+    temp.write("r.html", "");
+    FileList list;
+    file_list_init(list);
+    ASSERT_TRUE(file_list_append(list, "earlier"));
+    EXPECT_TRUE(scan_reports(temp.path().c_str(), nullptr, list));
+    EXPECT_FALSE(scan_reports(temp.path("missing").c_str(), nullptr, list));
+    EXPECT_THAT(finished(true, list).paths, ElementsAre("earlier", "r.html"));
+}
+
+TEST(ScanReports, ListsALinkToAnHtmlFileUnderItsOwnNameAndSkipsADanglingLink)
+{
+    const TempFolder temp;
+    temp.write("in/r.html", "");
+    temp.write("elsewhere/page.html", "");
+    temp.write("elsewhere/data.txt", "");
+    temp.link("r.html", "in/inner.htm");
+    temp.link("../elsewhere/page.html", "in/outer.html");
+    temp.link("../elsewhere/data.txt", "in/data.html");
+    temp.link("outer.html", "in/twice.html");
+    temp.link("r.html", "in/noending");
+    temp.link("nowhere.html", "in/dangling.html");
+    temp.link("self.html", "in/self.html");
+    temp.link("r.html/below.html", "in/notafolder.html");
+    EXPECT_THAT(listed(temp.path("in")), UnorderedElementsAre("r.html", "inner.htm", "outer.html",
+                                                              "data.html", "twice.html"));
+}
+
+TEST(ScanReports, WalksIntoALinkToAFolder)
+{
+    const TempFolder temp;
+    temp.write("elsewhere/sub/r.html", "");
+    temp.make_folder("in");
+    temp.link("../elsewhere", "in/link");
+    temp.link(temp.path("elsewhere/sub"), "in/page.html");
+    temp.link("in", "input");
+    EXPECT_THAT(listed(temp.path("input")),
+                UnorderedElementsAre("link/sub/r.html", "page.html/r.html"));
+}
+
+TEST(ScanReports, OneSelfLinkListsEachReport41Times)
+{
+    const TempFolder temp;
+    temp.write("in/r.html", "");
+    temp.write("in/sub/s.html", "");
+    temp.link(".", "in/loop");
+    Paths expected;
+    std::string prefix;
+    for (int turns = 0; turns <= 40; ++turns) {
+        expected.push_back(prefix + "r.html");
+        expected.push_back(prefix + "sub/s.html");
+        prefix += "loop/";
+    }
+    ASSERT_EQ(expected.size(), 2U * 41U);
+    EXPECT_EQ(sorted(listed(temp.path("in"))), sorted(expected));
+
+    // A link on the way to the input is one of the 40 that the kernel follows.
+    temp.link("in", "input");
+    expected.resize(2U * 40U);
+    EXPECT_EQ(sorted(listed(temp.path("input"))), sorted(expected));
+}
+
+TEST(ScanReports, ListsThePageOfAFirstRunNotYetThereAndSkipsItOnTheSecond)
+{
+    const TempFolder temp;
+    temp.write("r.html", "");
+    temp.write("sub/r.html", "");
+    const std::string page = temp.path("sub/summary.html");
+    EXPECT_THAT(listed(temp.path(), page), UnorderedElementsAre("r.html", "sub/r.html"));
+    temp.write("sub/summary.html", "the page");
+    EXPECT_THAT(listed(temp.path(), page), UnorderedElementsAre("r.html", "sub/r.html"));
+    EXPECT_THAT(listed(temp.path()),
+                UnorderedElementsAre("r.html", "sub/r.html", "sub/summary.html"));
+}
+
+TEST(ScanReports, SkipsThePageHoweverItsPathAndTheInputAreTyped)
+{
+    const TempFolder temp;
+    temp.write("in/sub/page.html", "");
+    temp.write("in/r.html", "");
+    temp.link("in", "input");
+    temp.link("in/sub/page.html", "pagelink");
+    for (const char* input : {"in", "in/", "input", "./input/.", "in/sub/.."}) {
+        for (const char* page : {"in/sub/page.html", "input/sub/page.html",
+                                 "in//sub/../sub/./page.html", "pagelink"}) {
+            EXPECT_THAT(listed(temp.path() + "/" + input, temp.path() + "/" + page),
+                        ElementsAre("r.html"))
+                << input << " " << page;
+        }
+    }
+}
+
+TEST(ScanReports, SkipsThePageTypedRelativeToTheCurrentFolder)
+{
+    const TempFolder temp;
+    temp.write("in/page.html", "");
+    temp.write("in/r.html", "");
+    temp.chmod("in", 0755);
+    const int status = run_unprivileged([&] {
+        return chdir(temp.path().c_str()) == 0 && listed("in", "in/page.html") == Paths{"r.html"} &&
+                       listed(temp.path("in"), "in/page.html") == Paths{"r.html"} &&
+                       listed("in", temp.path("in/page.html")) == Paths{"r.html"}
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ScanReports, SkipsEverySymbolicNameOfThePage)
+{
+    const TempFolder temp;
+    temp.write("in/page.html", "");
+    temp.write("in/sub/r.html", "");
+    temp.link("page.html", "in/other.html");
+    temp.link("other.html", "in/third.htm");
+    temp.link("../page.html", "in/sub/page.html");
+    temp.link("../in", "in/again");
+    const Paths paths = listed(temp.path("in"), temp.path("in/page.html"));
+    // "again" leads to the input itself, so the walk goes around 40 times.
+    EXPECT_EQ(paths.size(), 41U);
+    for (const std::string& path : paths) {
+        EXPECT_TRUE(path.ends_with("sub/r.html")) << path;
+    }
+}
+
+TEST(ScanReports, SkipsThePageReachedThroughALinkedFolder)
+{
+    const TempFolder temp;
+    temp.write("out/page.html", "");
+    temp.write("out/r.html", "");
+    temp.write("in/r.html", "");
+    temp.link("../out", "in/link");
+    EXPECT_THAT(listed(temp.path("in"), temp.path("out/page.html")),
+                UnorderedElementsAre("r.html", "link/r.html"));
+}
+
+TEST(ScanReports, SkipsLinksToAPageOutsideOrOfAnotherEnding)
+{
+    const TempFolder temp;
+    temp.write("out/page.txt", "");
+    temp.write("in/r.html", "");
+    temp.link("../out/page.txt", "in/link.html");
+    EXPECT_THAT(listed(temp.path("in"), temp.path("out/page.txt")), ElementsAre("r.html"));
+}
+
+TEST(ScanReports, StillListsAHardLinkToThePage)
+{
+    const TempFolder temp;
+    temp.write("page.html", "");
+    temp.make_folder("sub");
+    for (const char* name : {"hard.html", "sub/page.html"}) {
+        ASSERT_EQ(link(temp.path("page.html").c_str(), temp.path(name).c_str()), 0);
+    }
+    EXPECT_THAT(listed(temp.path(), temp.path("page.html")),
+                UnorderedElementsAre("hard.html", "sub/page.html"));
+}
+
+TEST(ScanReports, ListsOtherFilesOfThePagesName)
+{
+    const TempFolder temp;
+    temp.write("page.html", "");
+    temp.write("sub/page.html", "");
+    temp.write("sub/a-page.html", "");
+    temp.write("sub/PAGE.html", "");
+    temp.write("out/page.html", "");
+    EXPECT_THAT(listed(temp.path("sub"), temp.path("out/page.html")),
+                UnorderedElementsAre("page.html", "a-page.html", "PAGE.html"));
+    EXPECT_THAT(
+        listed(temp.path(), temp.path("page.html")),
+        UnorderedElementsAre("sub/page.html", "sub/a-page.html", "sub/PAGE.html", "out/page.html"));
+}
+
+TEST(ScanReports, SkipsNothingForAPageThatIsAFolderOrCannotBeResolved)
+{
+    const TempFolder temp;
+    temp.write("page.html/r.html", "");
+    temp.link("nowhere.html", "dangling.html");
+    for (const std::string& page :
+         {temp.path("page.html"), temp.path("dangling.html"), temp.path("missing/page.html"),
+          temp.path("page.html/r.html/"), std::string("/")}) {
+        EXPECT_THAT(listed(temp.path(), page), ElementsAre("page.html/r.html")) << page;
+    }
+    EXPECT_TRUE(walk_of(temp.path(), "").result);
+    EXPECT_THAT(walk_of(temp.path(), "").paths, ElementsAre("page.html/r.html"));
+}
+
+TEST(ScanReports, SkipsASubFolderWithoutReadPermissionAndStillSucceeds)
+{
+    const TempFolder temp;
+    temp.write("r.html", "");
+    temp.write("closed/r.html", "");
+    temp.write("searchable/r.html", "");
+    temp.write("open/r.html", "");
+    temp.write("open/secret.html", "");
+    temp.chmod("closed", 0);
+    temp.chmod("searchable", 0111);
+    temp.chmod("open", 0755);
+    temp.chmod("open/secret.html", 0);
+    const Paths expected = {"open/r.html", "open/secret.html", "r.html"};
+    const int status =
+        run_unprivileged([&] { return sorted(listed(temp.path())) == expected ? 0 : 1; });
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ScanReports, ListsNothingOfAFolderThatMayBeListedButNotSearched)
+{
+    const TempFolder temp;
+    // Enough of each kind that the listing mixes them.
+    for (int i = 0; i < 20; ++i) {
+        const std::string number = std::to_string(i);
+        temp.write("in/r" + number + ".html", "");
+        temp.write("in/sub" + number + "/r.html", "");
+        temp.link("r0.html", "in/link" + number + ".html");
+    }
+    temp.link("/", "in/rootlink");
+    temp.write("r.html", "");
+    temp.chmod("in", 0444);
+    const int status = run_unprivileged([&] {
+        const Walk as_input = walk_of(temp.path("in"));
+        const Walk as_folder = walk_of(temp.path());
+        return (as_input.result && as_input.paths.empty() ? 1 : 0) +
+               (as_folder.result && as_folder.paths == Paths{"r.html"} ? 2 : 0);
+    });
+    EXPECT_EQ(status, 3);
+}
+
+TEST(ScanReports, ListsFifosSocketsAndDevicesOfAReportsName)
+{
+    const TempFolder temp;
+    ASSERT_EQ(mkfifo(temp.path("fifo.html").c_str(), 0644), 0);
+    ASSERT_EQ(mkfifo(temp.path("fifo").c_str(), 0644), 0);
+    make_socket(temp.path("socket.htm"));
+    make_socket(temp.path("socket"));
+    // Alone in its folder, and as a link, nothing else tells what it is.
+    temp.make_folder("alone");
+    make_socket(temp.path("alone/socket.html"));
+    temp.link("socket", "socketlink.html");
+    temp.link("/dev/null", "device.html");
+    temp.link("fifo", "link.html");
+    Paths expected = {"fifo.html",       "socket.htm",  "alone/socket.html",
+                      "socketlink.html", "device.html", "link.html"};
+    if (mknod(temp.path("block.html").c_str(), S_IFBLK | 0600, makedev(7, 0)) == 0) {
+        temp.link("block.html", "blocklink.html");
+        expected.push_back("block.html");
+        expected.push_back("blocklink.html");
+    } else {
+        std::cout << "no right to make a block device: the socket stands in for it\n";
+    }
+    EXPECT_EQ(sorted(listed(temp.path())), sorted(expected));
+}
+
+TEST(ScanReports, ListsAPathOf4095CharactersAndSkipsOneOf4096)
+{
+    const TempFolder temp;
+    const std::string folder = make_folder_of_length(temp, 4084);
+    const std::string relative = folder.substr(temp.path().size() + 1) + "/";
+    make_files_in(folder, {"1234.html", "12345.html", "123456.html", "1234567.html"});
+    EXPECT_THAT(listed(temp.path()),
+                UnorderedElementsAre(relative + "1234.html", relative + "12345.html"));
+    // Each character that the input is typed longer counts.
+    EXPECT_THAT(listed(temp.path() + "/"), UnorderedElementsAre(relative + "1234.html"));
+    EXPECT_THAT(listed(temp.path() + "//"), IsEmpty());
+}
+
+TEST(ScanReports, WalksAFolderOfUpTo4095CharactersAndSkipsWhatGrowsTooLongInIt)
+{
+    const TempFolder temp;
+    const std::string folder = make_folder_of_length(temp, 4090);
+    const std::string relative = folder.substr(temp.path().size() + 1) + "/";
+    make_files_in(folder, {".htm", "x.htm"});
+    const int parent = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_GE(parent, 0);
+    for (const std::string name : {"1", "1234", "12345"}) {
+        ASSERT_EQ(mkdirat(parent, name.c_str(), 0755), 0);
+        const int file = openat(parent, (name + "/r.html").c_str(), O_WRONLY | O_CREAT, 0644);
+        ASSERT_GE(file, 0);
+        close(file);
+    }
+    close(parent);
+    EXPECT_THAT(listed(temp.path()), ElementsAre(relative + ".htm"));
+    EXPECT_THAT(walk_of(folder).paths, ElementsAre(".htm"));
+    EXPECT_THAT(walk_of(folder + "/1234").paths, IsEmpty());
+    EXPECT_TRUE(walk_of(folder + "/1234").result);
+    EXPECT_FALSE(walk_of(folder + "/12345").result);
+}
+
+TEST(ScanReports, ListsATree2040FoldersDeepWithinAnEightMebibyteStack)
+{
+    rlimit files = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
+    if (files.rlim_max < DEEP_DESCRIPTORS) {
+        std::cout << "only " << files.rlim_max
+                  << " descriptors may be open: the tree is listed as deep as they reach\n";
+    }
+    const DeepTree tree;
+    EXPECT_EQ(walk_deep_tree(tree, DEEP_DESCRIPTORS), 0);
+}
+
+TEST(ScanReports, OfADeepTreeWith64DescriptorsEndsNormallyWithWhatItCouldOpen)
+{
+    const DeepTree tree;
+    EXPECT_EQ(walk_deep_tree(tree, 64), 0);
+}
+
+TEST(ScanReports, LeavesNoFileOpen)
+{
+    const TempFolder temp;
+    temp.write("a/b/r.html", "");
+    temp.write("a/page.html", "");
+    temp.link("..", "a/loop");
+    const std::size_t before = open_descriptors();
+    EXPECT_FALSE(listed(temp.path(), temp.path("a/page.html")).empty());
+    EXPECT_FALSE(walk_of(temp.path("missing")).result);
+    {
+        const AllocationFault fault(3);
+        EXPECT_FALSE(walk_of(temp.path()).result);
+    }
+    EXPECT_EQ(open_descriptors(), before);
+}
+
+TEST(ScanReports, FailsWhicheverAllocationFailsAndKeepsWhatWasListedBefore)
+{
+    const TempFolder temp;
+    for (int i = 0; i < 25; ++i) {
+        const std::string number = std::to_string(i);
+        temp.write("r" + number + ".html", "");
+        temp.write("a/r" + number + ".html", "");
+        temp.write("a/b/c/r" + number + ".html", "");
+    }
+    const Paths all = listed(temp.path());
+    ASSERT_EQ(all.size(), 75U);
+    using Length = AllocationFault::Length;
+    for (const Length length : {Length::Once, Length::FromThenOn}) {
+        std::uint64_t number = 1;
+        std::uint64_t failures = 1;
+        for (std::size_t kept = 0; failures > 0; ++number) {
+            const std::size_t before = open_descriptors();
+            const AllocationFault fault(number, length);
+            const Walk walk = walk_of(temp.path());
+            failures = fault.failures();
+            ASSERT_LE(failures, 1U) << "it went on after allocation " << number;
+            ASSERT_EQ(walk.result, failures == 0) << number;
+            ASSERT_LE(walk.paths.size(), all.size());
+            ASSERT_GE(walk.paths.size(), kept) << number;
+            kept = walk.paths.size();
+            ASSERT_TRUE(std::equal(walk.paths.begin(), walk.paths.end(), all.begin())) << number;
+            ASSERT_EQ(kept == all.size(), walk.result) << number;
+            ASSERT_EQ(open_descriptors(), before) << number;
+        }
+        EXPECT_GE(number, 78U) << "75 copies and two arrays can fail";
+    }
+}
+
+TEST(ScanDirectory, PutsThePrefixAndASlashBeforeEachPath)
+{
+    const TempFolder temp;
+    temp.write("in/r.html", "");
+    temp.write("in/sub/s.html", "");
+    EXPECT_THAT(walk_below(temp.path("in"), "").paths,
+                UnorderedElementsAre("r.html", "sub/s.html"));
+    EXPECT_THAT(walk_below(temp.path("in"), "p").paths,
+                UnorderedElementsAre("p/r.html", "p/sub/s.html"));
+    EXPECT_THAT(walk_below(temp.path("in/"), "p/q").paths,
+                UnorderedElementsAre("p/q/r.html", "p/q/sub/s.html"));
+    EXPECT_TRUE(walk_below(temp.path("in"), "p").result);
+}
+
+TEST(ScanDirectory, SkipsTheGivenCanonicalPageOnly)
+{
+    const TempFolder temp;
+    temp.write("page.html", "");
+    temp.write("r.html", "");
+    const std::string canonical = temp.path("page.html");
+    const std::string spelled_otherwise = temp.path("./page.html");
+    EXPECT_THAT(walk_below(temp.path(), "", canonical.c_str()).paths, ElementsAre("r.html"));
+    EXPECT_THAT(walk_below(temp.path(), "", spelled_otherwise.c_str()).paths,
+                UnorderedElementsAre("page.html", "r.html"));
+}
+
+TEST(ScanDirectory, OfAFolderThatCannotBeOpenedListsNothingAndSucceeds)
+{
+    const TempFolder temp;
+    temp.write("file.html", "");
+    for (const std::string& folder :
+         {temp.path("missing"), temp.path("file.html"), std::string(),
+          temp.path() + std::string(4096, '/'), temp.path() + std::string(100000, '/')}) {
+        const Walk walk = walk_below(folder, "p");
+        EXPECT_TRUE(walk.result);
+        EXPECT_THAT(walk.paths, IsEmpty());
+    }
+}
+
+TEST(ScanDirectory, ListsARelativePathOf4095CharactersAndSkipsOneOf4096)
+{
+    const TempFolder temp;
+    temp.write("r.htm", "");
+    temp.write("rr.htm", "");
+    temp.write("dd/.htm", "");
+    // "/r.htm" makes a prefix of 4089 characters 4095, "/dd/.htm" one of 4087.
+    const std::vector<std::pair<std::size_t, Paths>> rows = {
+        {4087, {"/dd/.htm", "/r.htm", "/rr.htm"}},
+        {4088, {"/r.htm", "/rr.htm"}},
+        {4089, {"/r.htm"}},
+        {4090, {}},
+        {4094, {}},
+        {4095, {}},
+        {4096, {}},
+        {4097, {}},
+        {100000, {}}};
+    for (const auto& [length, expected] : rows) {
+        const std::string prefix(length, 'p');
+        const Walk walk = walk_below(temp.path(), prefix);
+        EXPECT_TRUE(walk.result) << length;
+        Paths endings;
+        for (const std::string& path : walk.paths) {
+            ASSERT_TRUE(path.starts_with(prefix)) << length;
+            endings.push_back(path.substr(length));
+        }
+        EXPECT_EQ(sorted(endings), expected) << length;
+    }
+}

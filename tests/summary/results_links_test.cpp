@@ -1,0 +1,333 @@
+// Where the links of the Results tables start, and what they lead to.
+
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "summary/page_model.h"
+#include "summary/report_tables.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+ResultsLinkContext context_of(const char* input_dir, const std::string& output_path)
+{
+    ResultsLinkContext context;
+    std::memset(&context, 0xAA, sizeof context);
+    make_results_link_context(input_dir, output_path, context);
+    return context;
+}
+
+// The folder from which the page at output_path would be linked; "unresolved" when
+// links are to be the bare paths.
+std::string output_folder(const std::string& output_path)
+{
+    const ResultsLinkContext context = context_of(".", output_path);
+    return context.links_relative ? context.output_folder : "unresolved";
+}
+
+ResultsLinkContext resolved_context(const std::string& scanned_directory, const std::string& folder)
+{
+    ResultsLinkContext context;
+    std::memset(&context, 0xAA, sizeof context);
+    context.links_relative = true;
+    scanned_directory.copy(context.scanned_directory, PATH_BUFFER_SIZE - 1);
+    context.scanned_directory[scanned_directory.size()] = '\0';
+    folder.copy(context.output_folder, PATH_BUFFER_SIZE - 1);
+    context.output_folder[folder.size()] = '\0';
+    return context;
+}
+
+std::string href_in(const std::string& markup)
+{
+    constexpr std::string_view LEAD = "<tr><td>1</td><td><a href=\"";
+    const std::size_t at = markup.find(LEAD);
+    if (at == markup.npos) {
+        ADD_FAILURE() << "no link in:\n" << markup;
+        return "";
+    }
+    const std::size_t start = at + LEAD.size();
+    return markup.substr(start, markup.find('"', start) - start);
+}
+
+// The link of a report with this path in the Passed and in the Failed table.
+std::string href(const ResultsLinkContext& context, const std::string& relative_path)
+{
+    const ReportEntry entry = passed_report(relative_path.c_str());
+    const ReportEntry* const view[] = {&entry};
+    AppendedText table;
+    std::uint64_t counter = 0;
+    EXPECT_TRUE(append_report_table(table.buffer, view, 1, 1, context, counter));
+    return href_in(table.text());
+}
+
+std::string section_href(const ReportEntry& entry, const char* input_dir, const char* output_path)
+{
+    return href_in(results_section({entry}, input_dir, output_path));
+}
+
+// A path of exactly this length whose components have 200 bytes, the last one
+// perhaps fewer.
+std::string path_of_length(std::size_t length)
+{
+    std::string path;
+    while (path.size() < length) {
+        path += path.size() % 201 == 200 ? '/' : 'p';
+    }
+    if (path.back() == '/') {
+        path.back() = 'p';
+    }
+    return path;
+}
+
+// "/f/f/f..." with this many components.
+std::string folder_of_depth(int components)
+{
+    std::string folder;
+    for (int i = 0; i < components; ++i) {
+        folder += "/f";
+    }
+    return folder;
+}
+
+} // namespace
+
+TEST(ResultsLinkContext, OutputPathWithoutASlashLiesInTheCurrentFolder)
+{
+    const TempFolder folder;
+    const CurrentFolder current(folder.path());
+    EXPECT_EQ(output_folder("summary.html"), folder.path());
+    EXPECT_EQ(output_folder(""), folder.path());
+}
+
+TEST(ResultsLinkContext, OutputPathWithItsOnlySlashInFrontLiesInTheRoot)
+{
+    EXPECT_EQ(output_folder("/summary.html"), "/");
+    EXPECT_EQ(output_folder("/"), "/");
+}
+
+TEST(ResultsLinkContext, OutputFolderIsTheTextBeforeTheLastSlash)
+{
+    const TempFolder folder;
+    folder.make_folder("a/b");
+    const CurrentFolder current(folder.path());
+    EXPECT_EQ(output_folder("a/s.html"), folder.path("a"));
+    EXPECT_EQ(output_folder("a/b/s.html"), folder.path("a/b"));
+    EXPECT_EQ(output_folder("a/b/"), folder.path("a/b"));
+    EXPECT_EQ(output_folder("a//s.html"), folder.path("a"));
+    EXPECT_EQ(output_folder("a/b/../s.html"), folder.path("a"));
+    EXPECT_EQ(output_folder("./s.html"), folder.path());
+    EXPECT_EQ(output_folder(folder.path("a/s.html")), folder.path("a"));
+    EXPECT_EQ(output_folder("//s.html"), "/");
+}
+
+TEST(ResultsLinkContext, BackslashDoesNotSeparateTheOutputFolder)
+{
+    const TempFolder folder;
+    folder.make_folder("out");
+    folder.make_folder("in\\out");
+    const CurrentFolder current(folder.path());
+    EXPECT_EQ(output_folder("out\\s.html"), folder.path());
+    EXPECT_EQ(output_folder("in\\out/s.html"), folder.path("in\\out"));
+    EXPECT_EQ(output_folder("out/a\\s.html"), folder.path("out"));
+}
+
+TEST(ResultsLinkContext, OutputFolderIsCutToItsFirst4095Bytes)
+{
+    const TempFolder folder;
+    folder.make_folder("real/x");
+    folder.make_folder("real/xy");
+    folder.make_folder("real/xyz");
+    const CurrentFolder current(folder.path());
+    std::string dots = "real";
+    while (dots.size() < 4092) {
+        dots += "/.";
+    }
+    ASSERT_EQ(dots.size(), 4092U);
+    EXPECT_EQ(output_folder(dots + "/xy/s.html"), folder.path("real/xy"));
+    EXPECT_EQ(output_folder(dots + "/xyz/s.html"), folder.path("real/xy"));
+    EXPECT_EQ(output_folder(dots + "/xy/missing/s.html"), folder.path("real/xy"));
+    EXPECT_EQ(output_folder(dots + "/x/s.html"), folder.path("real/x"));
+}
+
+TEST(ResultsLinkContext, OutputFolderThatCannotBeResolvedMakesLinksBare)
+{
+    const TempFolder folder;
+    folder.write("file", "");
+    const CurrentFolder current(folder.path());
+    EXPECT_FALSE(context_of(".", "missing/s.html").links_relative);
+    EXPECT_FALSE(context_of(".", "missing/../s.html").links_relative);
+    EXPECT_FALSE(context_of(".", "file/sub/s.html").links_relative);
+    EXPECT_FALSE(context_of(".", std::string(300, 'n') + "/s.html").links_relative);
+}
+
+TEST(ResultsLinkContext, ScannedDirectoryThatCannotBeResolvedMakesLinksBare)
+{
+    EXPECT_FALSE(context_of("no such folder", "s.html").links_relative);
+    EXPECT_FALSE(context_of("", "s.html").links_relative);
+    EXPECT_FALSE(context_of("no such folder", "no such folder either/s.html").links_relative);
+}
+
+TEST(ResultsLinkContext, BothFoldersAreCanonical)
+{
+    const TempFolder folder;
+    folder.make_folder("reports/2024");
+    folder.make_folder("deep/out");
+    folder.link("../reports/2024", "links/in");
+    folder.link("../deep/out", "links/out");
+    const CurrentFolder current(folder.path());
+    const ResultsLinkContext context = context_of("links//in/./", "links/out/s.html");
+    ASSERT_TRUE(context.links_relative);
+    EXPECT_STREQ(context.scanned_directory, folder.path("reports/2024").c_str());
+    EXPECT_STREQ(context.output_folder, folder.path("deep/out").c_str());
+}
+
+TEST(ResultsLinkContext, LinkLoopMakesLinksBare)
+{
+    const TempFolder folder;
+    folder.link("loop", "loop");
+    const CurrentFolder current(folder.path());
+    EXPECT_FALSE(context_of("loop", "s.html").links_relative);
+    EXPECT_FALSE(context_of(".", "loop/s.html").links_relative);
+}
+
+TEST(ResultsLinks, LeadFromThePagesFolderToTheReportInEveryTable)
+{
+    const TempFolder folder;
+    folder.make_folder("in/a");
+    folder.make_folder("out");
+    const CurrentFolder current(folder.path());
+    for (const ReportEntry& entry :
+         {passed_report("a/r.html"), failed_report("a/r.html"), errored_report("a/r.html")}) {
+        EXPECT_EQ(section_href(entry, "in", "out/s.html"), "../in/a/r.html");
+        EXPECT_EQ(section_href(entry, "in", "s.html"), "in/a/r.html");
+        EXPECT_EQ(section_href(entry, "in", "in/s.html"), "a/r.html");
+        EXPECT_EQ(section_href(entry, "in", "in/a/s.html"), "r.html");
+        EXPECT_EQ(section_href(entry, ".", "out/s.html"), "../a/r.html");
+        EXPECT_EQ(section_href(entry, "in/", "./out/../out/s.html"), "../in/a/r.html");
+    }
+}
+
+TEST(ResultsLinks, LeadFromTheRootWithoutASingleStepUp)
+{
+    const TempFolder folder;
+    EXPECT_EQ(section_href(passed_report("r.html"), folder.path().c_str(), "/s.html"),
+              folder.path().substr(1) + "/r.html");
+}
+
+TEST(ResultsLinks, GoThroughTheRealFoldersOfLinkedOnes)
+{
+    const TempFolder folder;
+    folder.make_folder("reports/2024");
+    folder.make_folder("deep/out");
+    folder.link("../reports/2024", "links/in");
+    folder.link("../deep/out", "links/out");
+    const CurrentFolder current(folder.path());
+    EXPECT_EQ(section_href(passed_report("r.html"), "links/in", "links/out/s.html"),
+              "../../reports/2024/r.html");
+}
+
+TEST(ResultsLinks, AreTheBarePathsWhenTheScannedDirectoryCannotBeResolved)
+{
+    EXPECT_EQ(section_href(passed_report("a/r.html"), "no such folder", "s.html"), "a/r.html");
+    EXPECT_EQ(section_href(failed_report("a/r.html"), "no such folder", "s.html"), "a/r.html");
+    EXPECT_EQ(section_href(errored_report("a/r.html"), "no such folder", "s.html"), "a/r.html");
+}
+
+TEST(ResultsLinks, AreTheBarePathsWhenTheOutputFolderCannotBeResolved)
+{
+    EXPECT_EQ(section_href(passed_report("a/r.html"), ".", "no such folder/s.html"), "a/r.html");
+    EXPECT_EQ(section_href(errored_report("a/r.html"), ".", "no such folder/s.html"), "a/r.html");
+}
+
+TEST(ResultsLinks, AreEscapedAndGetNoBreakMarks)
+{
+    const ResultsLinkContext context = resolved_context("/in & <out>", "/data");
+    EXPECT_EQ(href(context, "a\"b'/c&d<e>/f g#h?i%j.html"),
+              "../in &amp; &lt;out&gt;/a&quot;b&#39;/c&amp;d&lt;e&gt;/f g#h?i%j.html");
+    EXPECT_EQ(href(context, "\x01\t\n\x7f\x80\xff.html"),
+              "../in &amp; &lt;out&gt;/\x01\t\n\x7f\x80\xff.html");
+}
+
+TEST(ResultsLinks, TakeABackslashInANameForASeparatorUnlessTheyAreBare)
+{
+    EXPECT_EQ(href(resolved_context("/in", "/in"), "a\\b.html"), "a/b.html");
+    ResultsLinkContext bare = resolved_context("/in", "/in");
+    bare.links_relative = false;
+    EXPECT_EQ(href(bare, "a\\b.html"), "a\\b.html");
+}
+
+TEST(ResultsLinks, KeepDotsAsOrdinaryComponents)
+{
+    EXPECT_EQ(href(resolved_context("/in", "/out"), "../a/./b.html"), "../in/../a/./b.html");
+}
+
+TEST(ResultsLinks, LeaveTheScannedRootWithOneDoubledSlashLess)
+{
+    EXPECT_EQ(href(resolved_context("/", "/out"), "a/b.html"), "../a/b.html");
+    EXPECT_EQ(href(resolved_context("/", "/"), "a/b.html"), "a/b.html");
+}
+
+TEST(ResultsLinks, JoinedPathOf8191CharactersIsLinkedAndOf8192IsBare)
+{
+    const ResultsLinkContext context = resolved_context("/in", "/in");
+    const std::string fits = std::string(8187, 'x');
+    ASSERT_EQ(("/in/" + fits).size(), 8191U);
+    EXPECT_EQ(href(context, fits), std::string(255, 'x'));
+    EXPECT_EQ(href(context, fits + "x"), fits + "x");
+    EXPECT_EQ(href(context, fits + std::string(5000, 'x')), fits + std::string(5000, 'x'));
+}
+
+TEST(ResultsLinks, JoinedLengthCountsALongScannedDirectory)
+{
+    const std::string directory = "/" + std::string(4094, 'd');
+    const ResultsLinkContext context = resolved_context(directory, "/out");
+    EXPECT_EQ(href(context, std::string(4095, 'x')),
+              "../" + std::string(255, 'd') + "/" + std::string(255, 'x'));
+    EXPECT_EQ(href(context, std::string(4096, 'x')), std::string(4096, 'x'));
+}
+
+TEST(ResultsLinks, LinkOf8191CharactersIsWrittenAndALongerOneIsBare)
+{
+    const ResultsLinkContext context = resolved_context("/in", folder_of_depth(64));
+    std::string up;
+    for (int i = 0; i < 64; ++i) {
+        up += "../";
+    }
+    const std::string fits = path_of_length(7996);
+    ASSERT_EQ((up + "in/" + fits).size(), 8191U);
+    EXPECT_EQ(href(context, fits), up + "in/" + fits);
+    const std::string too_long = path_of_length(7997);
+    EXPECT_EQ(href(context, too_long), too_long);
+}
+
+TEST(ResultsLinks, LeadOutOfAtMost64FoldersOfThePage)
+{
+    std::string up;
+    for (int i = 0; i < 64; ++i) {
+        up += "../";
+    }
+    EXPECT_EQ(href(resolved_context("/in", folder_of_depth(64)), "r.html"), up + "in/r.html");
+    EXPECT_EQ(href(resolved_context("/in", folder_of_depth(65)), "r.html"), up + "in/r.html");
+    EXPECT_EQ(href(resolved_context("/in", folder_of_depth(63)), "r.html"),
+              up.substr(3) + "in/r.html");
+}
+
+TEST(ResultsLinks, EndAtThe64thComponentOfTheReportsPath)
+{
+    const ResultsLinkContext context = resolved_context("/in", "/out");
+    std::string folders;
+    for (int i = 0; i < 62; ++i) {
+        folders += "d/";
+    }
+    EXPECT_EQ(href(context, folders + "r.html"), "../in/" + folders + "r.html");
+    EXPECT_EQ(href(context, folders + "d/r.html"), "../in/" + folders + "d");
+}
+
+TEST(ResultsLinks, AreEmptyWhenPageAndReportShareTheirFirst64Components)
+{
+    const std::string folder = folder_of_depth(64);
+    EXPECT_EQ(href(resolved_context(folder, folder), "r.html"), "");
+    EXPECT_EQ(href(resolved_context(folder_of_depth(63), folder_of_depth(63)), "r.html"), "r.html");
+}

@@ -1,0 +1,120 @@
+#include <cstddef>
+#include <type_traits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "summary/page_model.h"
+#include "summary/summary_model.h"
+
+namespace {
+
+void expect_tally(const std::vector<ReportEntry>& entries, std::uint64_t passed,
+                  std::uint64_t failed, std::uint64_t errored, std::uint64_t other)
+{
+    const SummaryModel model = model_of(entries);
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    EXPECT_EQ(tally.passed, passed);
+    EXPECT_EQ(tally.failed, failed);
+    EXPECT_EQ(tally.errored, errored);
+    EXPECT_EQ(tally.other, other);
+}
+
+ReportEntry entry_of_unknown_kind()
+{
+    ReportEntry entry = unrelated_file("a.html");
+    entry.kind = static_cast<ReportKind>(4);
+    return entry;
+}
+
+} // namespace
+
+TEST(SummaryModel, HoldsItsFieldsInTheOrderDirectoryEntriesCountVersion)
+{
+    EXPECT_EQ(offsetof(SummaryModel, input_dir), 0U);
+    EXPECT_EQ(offsetof(SummaryModel, entries), 8U);
+    EXPECT_EQ(offsetof(SummaryModel, count), 16U);
+    EXPECT_EQ(offsetof(SummaryModel, version), 24U);
+    EXPECT_EQ(sizeof(SummaryModel), 32U);
+    EXPECT_TRUE((std::is_same_v<decltype(SummaryModel::count), std::uint64_t>));
+}
+
+TEST(TallyEntries, IsAllZeroesForNoEntriesAtAll)
+{
+    expect_tally({}, 0, 0, 0, 0);
+}
+
+TEST(TallyEntries, CountsEachKindInItsOwnCounter)
+{
+    expect_tally({passed_report("a")}, 1, 0, 0, 0);
+    expect_tally({failed_report("a")}, 0, 1, 0, 0);
+    expect_tally({errored_report("a")}, 0, 0, 1, 0);
+    expect_tally({unreadable_file("a")}, 0, 0, 0, 1);
+    expect_tally({unrelated_file("a")}, 0, 0, 0, 1);
+}
+
+TEST(TallyEntries, CountsAMixtureInOnePass)
+{
+    expect_tally({errored_report("a"), passed_report("b"), unreadable_file("c"), failed_report("d"),
+                  passed_report("e"), unrelated_file("f"), passed_report("g"), failed_report("h"),
+                  unrelated_file("i"), errored_report("j"), unreadable_file("k"),
+                  passed_report("l"), unrelated_file("m")},
+                 4, 2, 2, 5);
+}
+
+TEST(TallyEntries, CountsNoMoreEntriesThanItIsTold)
+{
+    const std::vector<ReportEntry> entries = {passed_report("a"), failed_report("b"),
+                                              errored_report("c")};
+    const SummaryTally two = tally_entries(entries.data(), 2);
+    EXPECT_EQ(two.passed, 1U);
+    EXPECT_EQ(two.failed, 1U);
+    EXPECT_EQ(two.errored, 0U);
+    EXPECT_EQ(two.other, 0U);
+}
+
+TEST(TallyEntries, TakesAnyPassedFlagButZeroAsPassed)
+{
+    ReportEntry entry = passed_report("a");
+    entry.passed = 2;
+    expect_tally({entry}, 1, 0, 0, 0);
+    entry.passed = 255;
+    expect_tally({entry}, 1, 0, 0, 0);
+}
+
+TEST(TallyEntries, LooksAtThePassedFlagOfAnalyzedEntriesOnly)
+{
+    ReportEntry errored = errored_report("a");
+    errored.passed = 1;
+    ReportEntry unreadable = unreadable_file("b");
+    unreadable.passed = 1;
+    ReportEntry unrelated = unrelated_file("c");
+    unrelated.passed = 1;
+    expect_tally({errored, unreadable, unrelated}, 0, 0, 1, 2);
+}
+
+TEST(TallyEntries, CountsAnyOtherKindAsOther)
+{
+    expect_tally({entry_of_unknown_kind()}, 0, 0, 0, 1);
+}
+
+TEST(TotalReports, IsTheSumOfPassedFailedAndErroredWithoutOtherFiles)
+{
+    EXPECT_EQ(total_reports({0, 0, 0, 0}), 0U);
+    EXPECT_EQ(total_reports({1, 0, 0, 0}), 1U);
+    EXPECT_EQ(total_reports({0, 1, 0, 0}), 1U);
+    EXPECT_EQ(total_reports({0, 0, 1, 0}), 1U);
+    EXPECT_EQ(total_reports({0, 0, 0, 1}), 0U);
+    EXPECT_EQ(total_reports({100, 20, 3, 4000}), 123U);
+    EXPECT_EQ(total_reports({4294967296, 4294967296, 1, 0}), 8589934593U);
+}
+
+TEST(IsReport, HoldsForAnalyzedEntriesAndErroredRunsOnly)
+{
+    EXPECT_TRUE(is_report(passed_report("a")));
+    EXPECT_TRUE(is_report(failed_report("a")));
+    EXPECT_TRUE(is_report(errored_report("a")));
+    EXPECT_FALSE(is_report(unreadable_file("a")));
+    EXPECT_FALSE(is_report(unrelated_file("a")));
+    EXPECT_FALSE(is_report(entry_of_unknown_kind()));
+}
