@@ -1,7 +1,6 @@
 #include "scan/file_list.h"
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -33,7 +32,7 @@ bool file_list_append(FileList& list, std::string_view path)
     if (copy == nullptr) {
         return false;
     }
-    std::memcpy(copy, path.data(), path.size());
+    path.copy(copy, path.size());
     copy[path.size()] = '\0';
     list.paths[list.count++] = copy;
     return true;

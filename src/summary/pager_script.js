@@ -4,7 +4,8 @@
   "use strict";
 
   function stopScriptLink(event) {
-    var link = event.target.closest("a[href]");
+    var target = event.target;
+    var link = target.closest && target.closest("a[href]");
     if (link && link.protocol === "javascript:") {
       event.preventDefault();
     }
