@@ -26,9 +26,8 @@ std::size_t block_size = 0;
 
 bool ends_in(std::string_view name, std::string_view ending)
 {
-    return name.size() >= ending.size() &&
-           strncasecmp(name.data() + name.size() - ending.size(), ending.data(), ending.size()) ==
-               0;
+    return name.size() >= ending.size() && strncasecmp(name.data() + name.size() - ending.size(),
+                                                       ending.data(), ending.size()) == 0;
 }
 
 void read_file(const std::string& path, Totals& totals)

@@ -60,7 +60,7 @@ constexpr std::string_view STYLE =
     "table td { text-align: right; font-variant-numeric: tabular-nums }\n";
 
 constexpr std::string_view CHECKS[] = {
-    "Loudness", "True Peak", "Clipping", "Dropouts",       "Noise Floor",
+    "Loudness", "True Peak", "Clipping", "Dropouts",        "Noise Floor",
     "Balance",  "DC Offset", "Spectrum", "Sample Accuracy", "Phase &amp; Polarity"};
 constexpr std::uint64_t CHECK_COUNT = sizeof CHECKS / sizeof CHECKS[0];
 

@@ -1,3 +1,4 @@
+#include <array>
 #include <deque>
 #include <optional>
 #include <string>
@@ -127,8 +128,8 @@ void expect_same(const std::vector<const char*>& words)
     }
 }
 
-const std::vector<const char*> VOCABULARY = {"--input", "-o", "--json", "--version",
-                                             "--help",  "-h", "x",      ""};
+constexpr std::array<const char*, 8> VOCABULARY = {"--input", "-o", "--json", "--version",
+                                                   "--help",  "-h", "x",      ""};
 
 } // namespace
 

@@ -87,12 +87,10 @@ Names folders_above(const std::string& page_path)
 
 bool create_naively(const std::string& page_path)
 {
-    for (const std::string& folder : folders_above(page_path)) {
-        if (mkdir(folder.c_str(), 0755) != 0 && errno != EEXIST) {
-            return false;
-        }
-    }
-    return true;
+    const Names folders = folders_above(page_path);
+    return std::all_of(folders.begin(), folders.end(), [](const std::string& folder) {
+        return mkdir(folder.c_str(), 0755) == 0 || errno == EEXIST;
+    });
 }
 
 Names tree_below(const fs::path& folder)

@@ -71,14 +71,14 @@ protected:
                temp.path("s.json") + "\n";
     }
 
-    void expect_failure(const RunResult& result, const std::string& message) const
+    static void expect_failure(const RunResult& result, const std::string& message)
     {
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.errors, message);
     }
 
-    void expect_complete(const RunResult& result, int status, const std::string& output) const
+    static void expect_complete(const RunResult& result, int status, const std::string& output)
     {
         EXPECT_EQ(result.status, status);
         EXPECT_EQ(result.output, output);

@@ -493,6 +493,8 @@ private:
     int innermost_ = -1;
 };
 
+constexpr rlim_t ORDINARY_STACK = 8388608; // bytes
+
 std::string repeated(std::string_view text, int times)
 {
     std::string all;
@@ -502,7 +504,8 @@ std::string repeated(std::string_view text, int times)
     return all;
 }
 
-void limit(__rlimit_resource resource, rlim_t soft)
+template <typename Resource>
+void limit(Resource resource, rlim_t soft)
 {
     rlimit limits = {};
     if (getrlimit(resource, &limits) != 0) {
@@ -525,7 +528,7 @@ TEST_F(Walking, ATreeAsDeepAsPathsAllowIsReadWithinAnOrdinaryStack)
     tree.write_innermost("rr.html", passed_report());
     const ProcessResult result = run_fthsummary({"--input", "in", "-o", "s.html", "--json"},
                                                 {.folder = temp.path(), .before_exec = [] {
-                                                     limit(RLIMIT_STACK, 8 * 1024 * 1024);
+                                                     limit(RLIMIT_STACK, ORDINARY_STACK);
                                                      limit(RLIMIT_NOFILE, 4096);
                                                  }});
     expect_run(result, 0,

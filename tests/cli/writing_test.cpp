@@ -544,12 +544,6 @@ std::string find_strace()
     return "";
 }
 
-// The build puts the test programs into a folder beside the program.
-std::string program_path()
-{
-    return (fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "fthsummary").string();
-}
-
 // The lines of a trace that show a call on the file at this path.
 Names calls_on(const std::string& trace, const std::string& path)
 {
@@ -569,11 +563,11 @@ TEST_F(Writing, EachOutputFileIsHandedToTheSystemInOneCall)
 {
     const std::string strace = find_strace();
     ASSERT_NE(strace, "") << "strace is missing: install it to run the tests";
-    ASSERT_EQ(access(program_path().c_str(), X_OK), 0) << "no program at " << program_path();
+    ASSERT_EQ(access(FTHSUMMARY_PROGRAM, X_OK), 0) << "no program at " << FTHSUMMARY_PROGRAM;
     const ProcessResult result =
         run_process(strace,
                     {"-f", "-y", "-s", "0", "-e", "trace=write,writev,pwrite64,pwritev,pwritev2",
-                     "-o", "trace", program_path(), "--input", "in", "-o", "s.html", "--json"},
+                     "-o", "trace", FTHSUMMARY_PROGRAM, "--input", "in", "-o", "s.html", "--json"},
                     {.folder = temp.path(), .environment = {"ASAN_OPTIONS=detect_leaks=0"}});
     expect_run(result, 1, wrote("s.html", "s.json"), "");
     const std::string trace = temp.read("trace");
