@@ -1,10 +1,11 @@
 #include "summary/report_tables.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
+#include <string_view>
 
+#include "core/paths.h"
 #include "report/html_escape.h"
+#include "summary/sorted_view.h"
 
 namespace {
 
@@ -61,78 +62,6 @@ constexpr char OTHER_FILES_END[] = "</table></div>\n"
 constexpr char NOTHING_TO_SHOW[] = "&mdash;";
 constexpr char SIDE_NOTE_START[] = "<span style=\"color:var(--muted);font-size:0.85em\">";
 constexpr char SIDE_NOTE_END[] = "</span>";
-
-// The reports of one page in the order of its rows.
-struct SortedView
-{
-    const ReportEntry** entries; // owned
-    std::uint64_t length;
-};
-
-// False: out of memory; nothing is allocated.
-bool make_sorted_view(const SummaryModel& model, std::uint64_t reports, SortedView& view)
-{
-    // One slot more than there are reports, so that the size is never zero.
-    // NOLINTNEXTLINE(bugprone-sizeof-expression): an array of pointers is meant
-    void* block = std::malloc((reports + 1) * sizeof *view.entries);
-    if (block == nullptr) {
-        return false;
-    }
-    view.entries = static_cast<const ReportEntry**>(block);
-    view.length = 0;
-    for (std::uint64_t i = 0; i < model.count; ++i) {
-        if (is_report(model.entries[i])) {
-            view.entries[view.length++] = &model.entries[i];
-        }
-    }
-    std::sort(view.entries, view.entries + view.length,
-              [](const ReportEntry* first, const ReportEntry* second) {
-                  return compare_entries_by_path(*first, *second) < 0;
-              });
-    return true;
-}
-
-// The folder part of the page's path. Only "/" ends a folder here, although the
-// folders above the page are created at each "\", too: that is meant.
-std::string_view folder_of(std::string_view output_path)
-{
-    const std::size_t slash = output_path.rfind('/');
-    if (slash == std::string_view::npos) {
-        return ".";
-    }
-    return slash == 0 ? "/" : output_path.substr(0, std::min(slash, PATH_BUFFER_SIZE - 1));
-}
-
-// Writes the absolute path of a report to joined (LONG_PATH_BUFFER_SIZE bytes).
-// False: it does not fit.
-bool join_report_path(const ResultsLinkContext& context, std::string_view relative_path,
-                      char* joined, std::string_view& path)
-{
-    const std::string_view folder = context.scanned_directory;
-    const std::size_t length = folder.size() + 1 + relative_path.size();
-    if (length >= LONG_PATH_BUFFER_SIZE) {
-        return false;
-    }
-    std::memcpy(joined, folder.data(), folder.size());
-    joined[folder.size()] = '/';
-    std::memcpy(joined + folder.size() + 1, relative_path.data(), relative_path.size());
-    path = {joined, length};
-    return true;
-}
-
-// A link that cannot be made relative falls back to the report's own path, which
-// is right where the page lies in the scanned directory.
-bool append_link_target(TextBuffer& buffer, const ReportEntry& entry,
-                        const ResultsLinkContext& context)
-{
-    char joined[LONG_PATH_BUFFER_SIZE];
-    char link[LONG_PATH_BUFFER_SIZE];
-    std::string_view path;
-    const bool is_relative = context.links_relative &&
-                             join_report_path(context, entry.relative_path, joined, path) &&
-                             make_relative_path(context.output_folder, path, link, sizeof link);
-    return html_append_escaped(buffer, is_relative ? link : entry.relative_path);
-}
 
 // Case matters here, although the walk finds a report with any case of the ending.
 std::string_view display_name(std::string_view path)
@@ -278,34 +207,16 @@ bool append_other_file_row(TextBuffer& buffer, const ReportEntry& entry)
 
 } // namespace
 
-int compare_entries_by_path(const ReportEntry& first, const ReportEntry& second)
-{
-    return std::strcmp(first.relative_path, second.relative_path);
-}
-
-void make_results_link_context(const char* input_dir, std::string_view output_path,
-                               ResultsLinkContext& context)
-{
-    char folder[PATH_BUFFER_SIZE];
-    const std::string_view text = folder_of(output_path);
-    std::memcpy(folder, text.data(), text.size());
-    folder[text.size()] = '\0';
-    context.links_relative =
-        resolve_path(folder, context.output_folder, sizeof context.output_folder) &&
-        resolve_path(input_dir, context.scanned_directory, sizeof context.scanned_directory);
-}
-
 bool append_results_section(TextBuffer& buffer, const SummaryModel& model, const char* output_path,
                             std::uint64_t failed, std::uint64_t passed, std::uint64_t errored)
 {
-    SortedView view = {};
-    if (!make_sorted_view(model, passed + failed + errored, view)) {
-        return false;
-    }
+    SortedView view;
+    sorted_view_init(view);
     ResultsLinkContext context;
     make_results_link_context(model.input_dir, output_path, context);
-    const bool complete = append_tables(buffer, view, context, failed, errored);
-    std::free(view.entries);
+    const bool complete = sorted_view_fill(view, model, passed + failed + errored) &&
+                          append_tables(buffer, view, context, failed, errored);
+    sorted_view_free(view);
     return complete;
 }
 

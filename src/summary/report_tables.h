@@ -7,28 +7,14 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
-#include "core/paths.h"
 #include "core/text_buffer.h"
+#include "summary/report_links.h"
 #include "summary/summary_model.h"
 
 // Rows that a table may have before it is paged: one more and it carries this
 // number as data-page-size and is followed by a pager.
 inline constexpr std::uint64_t TABLE_PAGE_SIZE = 100;
-
-// Where links start and end, resolved once per page.
-struct ResultsLinkContext
-{
-    bool links_relative; // both paths below are valid; else a link is the bare relative_path
-    char scanned_directory[PATH_BUFFER_SIZE]; // canonical
-    char output_folder[PATH_BUFFER_SIZE];     // canonical
-};
-
-// Fills the context from the directory as typed and the page's path as typed. A
-// path that cannot be resolved clears links_relative; that is not an error.
-void make_results_link_context(const char* input_dir, std::string_view output_path,
-                               ResultsLinkContext& context);
 
 // Appends the Results section: the Errored and Failed tables where there are such
 // reports, and always the Passed table. The counts are those of the model's tally.
@@ -47,7 +33,3 @@ void make_results_link_context(const char* input_dir, std::string_view output_pa
                                        std::uint64_t view_length, std::uint8_t wanted_passed,
                                        const ResultsLinkContext& context,
                                        std::uint64_t& row_counter);
-
-// Below, equal to or above zero as the first entry's relative_path sorts before,
-// with or after the second's, compared as unsigned bytes (C standard, strcmp).
-int compare_entries_by_path(const ReportEntry& first, const ReportEntry& second);

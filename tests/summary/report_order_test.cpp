@@ -8,6 +8,7 @@
 
 #include "summary/page_model.h"
 #include "summary/report_tables.h"
+#include "summary/sorted_view.h"
 
 TEST(ResultsOrder, SortsByUnsignedBytesInEveryTable)
 {

@@ -1,6 +1,7 @@
 // Memory that runs out and files that cannot be written, for the page and the
 // JSON summary alike.
 
+#include <algorithm>
 #include <csignal>
 #include <functional>
 #include <string>
@@ -102,42 +103,59 @@ std::uint64_t fail_each_allocation(WriteSummary write, const SummaryModel& model
     }
 }
 
-// Runs a writer whose directory is so long that the buffer's last growth falls on
-// a chosen byte behind the directory, and lets that growth fail; the bytes are
-// taken `step` apart.
-void fail_last_growth_behind_the_directory(WriteSummary write, std::size_t step)
+// Makes one text of the model so long that the buffer grows at a chosen byte of the
+// text's end or behind it, and lets each allocation of the run fail in turn. The
+// bytes are taken `step` apart, up to the end of the document or `span` of them.
+void fail_growth_from_a_text_on(WriteSummary write, const char* SummaryModel::*text,
+                                std::size_t step, std::size_t span)
 {
+    constexpr std::size_t END_OF_TEXT = 20;
     const ManyEntries few(5);
     const TempFolder folder;
     const std::string file = folder.path("out");
     SummaryModel model = few.model();
-    model.input_dir = "@@@";
+    model.*text = "@@@";
     ASSERT_TRUE(write(file.c_str(), model));
     const std::string document = folder.read("out");
     const std::size_t start = document.find("@@@");
-    const std::size_t rest = document.size() - start - 3;
+    const std::size_t last = END_OF_TEXT + std::min(document.size() - start - 3, span);
     std::size_t capacity = 256;
     while (capacity < document.size() + 1) {
         capacity *= 2;
     }
-    for (std::size_t at = 0; at < rest; at += step) {
-        const std::string directory(capacity - 1 - start - at, 'd');
-        model.input_dir = directory.c_str();
+    folder.write("out", "older file");
+    for (std::size_t at = 0; at < last; at += step) {
+        const std::string filling(capacity - 1 - start + END_OF_TEXT - at, 'd');
+        model.*text = filling.c_str();
         const std::uint64_t before = allocation_count();
-        ASSERT_TRUE(write(file.c_str(), model));
+        ASSERT_TRUE(write("/dev/null", model));
         const std::uint64_t allocations = allocation_count() - before;
-        folder.write("out", "older file");
-        const AllocationFault fault(allocations, AllocationFault::Length::Once);
-        ASSERT_FALSE(write(file.c_str(), model)) << "byte " << at << " behind the directory";
-        ASSERT_EQ(fault.failures(), 1U);
+        for (std::uint64_t number = 1; number <= allocations; ++number) {
+            const AllocationFault fault(number, AllocationFault::Length::Once);
+            ASSERT_FALSE(write(file.c_str(), model)) << "text of " << filling.size();
+            ASSERT_EQ(fault.failures(), 1U);
+        }
         ASSERT_EQ(folder.read("out"), "older file");
     }
 }
 
+// Allocations of a piece that finds more room than it needs.
+std::uint64_t allocations_besides_text(const std::function<bool(TextBuffer&)>& append,
+                                       std::size_t capacity)
+{
+    AppendedText roomy;
+    EXPECT_TRUE(text_buffer_append(roomy.buffer, std::string(capacity / 2, '.')));
+    EXPECT_EQ(roomy.buffer.capacity, capacity);
+    const std::uint64_t before = allocation_count();
+    EXPECT_TRUE(append(roomy.buffer));
+    return allocation_count() - before;
+}
+
 // Lets a piece run out of memory at each of its bytes in turn: it must give false
-// and have appended a part of its text at most. Its own allocations succeed.
+// and have appended a part of its text at most. What it allocates besides the text
+// succeeds. Of a long piece only every `step`-th byte is taken, counted from its end.
 void expect_false_at_every_byte(const std::function<bool(TextBuffer&)>& append,
-                                std::uint64_t own_allocations)
+                                std::size_t step = 1)
 {
     AppendedText whole;
     ASSERT_TRUE(append(whole.buffer));
@@ -146,7 +164,8 @@ void expect_false_at_every_byte(const std::function<bool(TextBuffer&)>& append,
     while (capacity < 2 * text.size() + 2) {
         capacity *= 2;
     }
-    for (std::size_t room = 0; room <= text.size(); ++room) {
+    const std::uint64_t own_allocations = allocations_besides_text(append, capacity);
+    for (std::size_t room = text.size() % step; room <= text.size(); room += step) {
         AppendedText cut;
         const std::size_t start = capacity - 1 - room;
         ASSERT_TRUE(text_buffer_append(cut.buffer, std::string(start, '.')));
@@ -201,43 +220,42 @@ TEST(SummaryFailures, NoFileAppearsWhenMemoryRunsOut)
     EXPECT_TRUE(folder.names().empty());
 }
 
+// No piece that the page itself appends is shorter than 7 bytes; its sections are
+// looked at byte by byte below.
 TEST(SummaryFailures, PageIsAbandonedWhereverMemoryRunsOut)
 {
-    // No piece that the page itself appends is shorter; its sections are looked at
-    // byte by byte below.
-    fail_last_growth_behind_the_directory(write_summary_page, 7);
+    fail_growth_from_a_text_on(write_summary_page, &SummaryModel::version, 7, 1500);
+    fail_growth_from_a_text_on(write_summary_page, &SummaryModel::input_dir, 7, 1000000);
 }
 
 TEST(SummaryFailures, JsonIsAbandonedAtWhicheverByteMemoryRunsOut)
 {
-    fail_last_growth_behind_the_directory(write_json_summary, 1);
+    fail_growth_from_a_text_on(write_json_summary, &SummaryModel::input_dir, 1, 1000000);
 }
 
 TEST(SummaryFailures, KpiGridGivesFalseAtWhicheverByteMemoryRunsOut)
 {
     expect_false_at_every_byte(
-        [](TextBuffer& buffer) { return append_kpi_grid(buffer, 600, 500, 60, 40, 7); }, 0);
+        [](TextBuffer& buffer) { return append_kpi_grid(buffer, 600, 500, 60, 40, 7); });
     expect_false_at_every_byte(
-        [](TextBuffer& buffer) { return append_kpi_grid(buffer, 600, 540, 60, 0, 7); }, 0);
+        [](TextBuffer& buffer) { return append_kpi_grid(buffer, 600, 540, 60, 0, 7); });
 }
 
 TEST(SummaryFailures, FooterGivesFalseAtWhicheverByteMemoryRunsOut)
 {
     expect_false_at_every_byte(
-        [](TextBuffer& buffer) { return append_page_footer(buffer, model_of({})); }, 0);
+        [](TextBuffer& buffer) { return append_page_footer(buffer, model_of({})); });
 }
 
 TEST(SummaryFailures, ResultsSectionGivesFalseAtWhicheverByteMemoryRunsOut)
 {
     const ManyEntries few(5);
-    expect_false_at_every_byte(
-        [&few](TextBuffer& buffer) {
-            return append_results_section(buffer, few.model(), "summary.html", 1, 1, 1);
-        },
-        1);
+    expect_false_at_every_byte([&few](TextBuffer& buffer) {
+        return append_results_section(buffer, few.model(), "summary.html", 1, 1, 1);
+    });
 }
 
-TEST(SummaryFailures, PagedResultsSectionGivesFalseAtItsPagersBytes)
+TEST(SummaryFailures, PagedResultsSectionGivesFalseWhereverMemoryRunsOut)
 {
     const std::vector<std::string> paths = numbered_paths("", 101);
     std::vector<ReportEntry> errored;
@@ -251,24 +269,22 @@ TEST(SummaryFailures, PagedResultsSectionGivesFalseAtItsPagersBytes)
             return append_results_section(buffer, model_of(errored, "no such folder"),
                                           "summary.html", 0, 0, 101);
         },
-        1);
+        11);
     expect_false_at_every_byte(
         [&passed](TextBuffer& buffer) {
             return append_results_section(buffer, model_of(passed, "no such folder"),
                                           "summary.html", 0, 101, 0);
         },
-        1);
+        11);
 }
 
 TEST(SummaryFailures, EmptyReportTableGivesFalseAtWhicheverByteMemoryRunsOut)
 {
     ResultsLinkContext context = {};
-    expect_false_at_every_byte(
-        [&context](TextBuffer& buffer) {
-            std::uint64_t counter = 0;
-            return append_report_table(buffer, nullptr, 0, 1, context, counter);
-        },
-        0);
+    expect_false_at_every_byte([&context](TextBuffer& buffer) {
+        std::uint64_t counter = 0;
+        return append_report_table(buffer, nullptr, 0, 1, context, counter);
+    });
 }
 
 TEST(SummaryFailures, ResultsSectionAppendsNothingWhenItsSortedViewCannotBeAllocated)
@@ -295,8 +311,7 @@ TEST(SummaryFailures, OtherFilesSectionGivesFalseAtWhicheverByteMemoryRunsOut)
 {
     const ManyEntries few(5);
     expect_false_at_every_byte(
-        [&few](TextBuffer& buffer) { return append_other_files_section(buffer, few.model(), 2); },
-        0);
+        [&few](TextBuffer& buffer) { return append_other_files_section(buffer, few.model(), 2); });
 }
 
 TEST(SummaryFailures, AbsentOtherFilesSectionNeedsNoMemory)
@@ -311,13 +326,11 @@ TEST(SummaryFailures, JsonArrayAndTextGiveFalseAtWhicheverByteMemoryRunsOut)
 {
     ReportEntry entry = failed_report("a.html");
     set_failed_checks(entry, {"Check A", "\x01\x02", "\n\t\"\\\xff", ""});
+    expect_false_at_every_byte([&entry](TextBuffer& buffer) {
+        return json_append_string_array(buffer, entry.failed_checks, 4);
+    });
     expect_false_at_every_byte(
-        [&entry](TextBuffer& buffer) {
-            return json_append_string_array(buffer, entry.failed_checks, 4);
-        },
-        0);
-    expect_false_at_every_byte(
-        [](TextBuffer& buffer) { return json_append_escaped(buffer, all_bytes()); }, 0);
+        [](TextBuffer& buffer) { return json_append_escaped(buffer, all_bytes()); });
 }
 
 TEST(SummaryFailures, FullDeviceGivesFalse)

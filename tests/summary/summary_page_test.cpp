@@ -347,6 +347,14 @@ TEST(SummaryPage, LooksOnlyAtKindAndPassedForItsCounts)
     EXPECT_EQ(page_of({entry}), page_of({unrelated_file("a.html")}));
 }
 
+TEST(SummaryPage, ShowsTheFailedTableForFailedReportsOnly)
+{
+    const std::string title = "<p class=\"compare-table-title\">Failed</p>\n";
+    EXPECT_EQ(count_of(title, page_of({passed_report("a.html")})), 0);
+    EXPECT_EQ(count_of(title, page_of({errored_report("a.html")})), 0);
+    EXPECT_EQ(count_of(title, page_of({failed_report("a.html")})), 1);
+}
+
 TEST(SummaryPage, HandsEachCountToTheTableItBelongsTo)
 {
     const std::vector<std::string> paths = numbered_paths("", 306);

@@ -1,0 +1,134 @@
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "summary/sorted_view.h"
+#include "support/allocation_faults.h"
+
+namespace {
+
+using Paths = std::vector<std::string>;
+
+// Entries of these paths, which they point into, all of them passed reports.
+std::vector<ReportEntry> make_entries(const Paths& paths)
+{
+    std::vector<ReportEntry> entries(paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        entries[i].relative_path = paths[i].c_str();
+        entries[i].kind = ReportKind::Analyzed;
+        entries[i].passed = 1;
+    }
+    return entries;
+}
+
+Paths sorted_by_view(const Paths& paths)
+{
+    const std::vector<ReportEntry> entries = make_entries(paths);
+    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    SortedView view;
+    sorted_view_init(view);
+    EXPECT_TRUE(sorted_view_fill(view, model, entries.size()));
+    Paths sorted;
+    for (std::uint64_t i = 0; i < view.length; ++i) {
+        sorted.emplace_back(view.entries[i]->relative_path);
+    }
+    sorted_view_free(view);
+    EXPECT_EQ(view.entries, nullptr);
+    EXPECT_EQ(view.length, 0U);
+    return sorted;
+}
+
+TEST(SortedView, OfNothingIsEmpty)
+{
+    EXPECT_EQ(sorted_by_view({}), Paths());
+}
+
+TEST(SortedView, OfOneReportHoldsIt)
+{
+    EXPECT_EQ(sorted_by_view({"a.html"}), Paths({"a.html"}));
+}
+
+TEST(SortedView, OfEqualPathsHoldsThemAll)
+{
+    EXPECT_EQ(sorted_by_view({"a", "a", "a"}), Paths({"a", "a", "a"}));
+}
+
+TEST(SortedView, PutsAPathBeforeThoseThatItBegins)
+{
+    EXPECT_EQ(sorted_by_view({"abc", "ab", "abcd", "a", "ab\x01"}),
+              Paths({"a", "ab", "ab\x01", "abc", "abcd"}));
+}
+
+TEST(SortedView, ComparesBytesAsUnsigned)
+{
+    EXPECT_EQ(sorted_by_view({"x\xff", "x\x7f", "x\x80", "xA"}),
+              Paths({"xA", "x\x7f", "x\x80", "x\xff"}));
+}
+
+TEST(SortedView, TellsPathsApartThatDifferBehindTheirFirstDistinctBytes)
+{
+    EXPECT_EQ(sorted_by_view({"s/12345678b", "s/12345678a", "s/1234567", "s/12345678"}),
+              Paths({"s/1234567", "s/12345678", "s/12345678a", "s/12345678b"}));
+}
+
+TEST(SortedView, LeavesOtherFilesOut)
+{
+    const Paths paths = {"d", "c", "b", "a"};
+    std::vector<ReportEntry> entries = make_entries(paths);
+    entries[0].kind = ReportKind::Unreadable;
+    entries[1].kind = ReportKind::RunError;
+    entries[2].kind = ReportKind::NotAnalyzeReport;
+    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    SortedView view;
+    sorted_view_init(view);
+    ASSERT_TRUE(sorted_view_fill(view, model, 2));
+    ASSERT_EQ(view.length, 2U);
+    EXPECT_EQ(view.entries[0], &entries[3]);
+    EXPECT_EQ(view.entries[1], &entries[1]);
+    sorted_view_free(view);
+}
+
+TEST(SortedView, SortsRandomPathsAsAPlainSortDoes)
+{
+    std::mt19937_64 random(7);
+    for (int round = 0; round < 300; ++round) {
+        Paths paths(random() % 60);
+        const std::string stem(random() % 12, 's');
+        for (std::string& path : paths) {
+            path = stem;
+            for (std::uint64_t length = random() % 14; length > 0; --length) {
+                path += "\x01/ab\x80\xff"[random() % 6];
+            }
+        }
+        Paths expected = paths;
+        std::sort(expected.begin(), expected.end(), [](const auto& first, const auto& second) {
+            return std::lexicographical_compare(
+                first.begin(), first.end(), second.begin(), second.end(), [](char a, char b) {
+                    return static_cast<unsigned char>(a) < static_cast<unsigned char>(b);
+                });
+        });
+        ASSERT_EQ(sorted_by_view(paths), expected) << "round " << round;
+    }
+}
+
+TEST(SortedView, StaysEmptyWhenEitherAllocationFails)
+{
+    const Paths paths = {"b", "a"};
+    const std::vector<ReportEntry> entries = make_entries(paths);
+    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    for (const std::uint64_t number : {1U, 2U}) {
+        SortedView view;
+        sorted_view_init(view);
+        const AllocationFault fault(number, AllocationFault::Length::Once);
+        EXPECT_FALSE(sorted_view_fill(view, model, 2));
+        EXPECT_EQ(fault.failures(), 1U);
+        EXPECT_EQ(view.entries, nullptr);
+        EXPECT_EQ(view.length, 0U);
+    }
+}
+
+} // namespace
