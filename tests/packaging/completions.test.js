@@ -50,6 +50,10 @@ function fish(line, { dataFolders = environment.XDG_DATA_DIRS } = {}) {
     .sort();
 }
 
+test("shellcheck has nothing to say about the completion for bash", () => {
+  run("shellcheck", ["-s", "bash", path.join(SOURCE, "completions/fthsummary.bash")]);
+});
+
 for (const shell of ["bash", "zsh"]) {
   test(`${shell}: --in<Tab> becomes --input`, () => {
     assert.equal(typed(shell, "fthsummary --in\t"), "fthsummary --input ");

@@ -3,9 +3,10 @@
 
 import assert from "node:assert/strict";
 import fs from "node:fs";
+import os from "node:os";
 import path from "node:path";
 import process from "node:process";
-import { test } from "node:test";
+import { after, before, test } from "node:test";
 import { FIRST, SOURCE, fencedBlocks, read, run, temporaryFolder } from "./support.js";
 
 const DOCUMENTS = run("git", ["ls-files", "--cached", "--others", "--exclude-standard", "*.md"], {
@@ -13,7 +14,8 @@ const DOCUMENTS = run("git", ["ls-files", "--cached", "--others", "--exclude-sta
 })
   .stdout.trim()
   .split("\n")
-  .filter((document) => fs.existsSync(path.join(SOURCE, document)));
+  .filter((document) => fs.existsSync(path.join(SOURCE, document)))
+  .sort((first, second) => (second === "README.md") - (first === "README.md"));
 
 // What needs no run of its own, and where it is run.
 const RUN_ELSEWHERE = {
@@ -36,8 +38,7 @@ case $2 in
 esac
 `;
 
-function makeSandbox(t) {
-  const folder = temporaryFolder(t);
+function makeSandbox(folder) {
   const [tree, root, stubs] = ["tree", "root", "stubs"].map((name) => path.join(folder, name));
   fs.cpSync(FIRST, tree, { recursive: true, filter: (file) => file !== path.join(FIRST, "build") });
   for (const name of ["info", "updates", "triggers"]) {
@@ -68,17 +69,43 @@ function runBlock({ tree, root, env }, { marker = "", text }) {
 const isRunHere = ({ language, file, marker }) =>
   language === "sh" && !file && !marker?.startsWith("run by: ");
 
+// One sandbox for all: what the README installs, the other documents use.
+let sandboxFolder;
+let sandbox;
+before(() => {
+  sandboxFolder = fs.mkdtempSync(path.join(os.tmpdir(), "fthsummary-"));
+  sandbox = makeSandbox(sandboxFolder);
+});
+after(() => fs.rmSync(sandboxFolder, { recursive: true, force: true }));
+
 for (const document of DOCUMENTS) {
   const blocks = fencedBlocks(document).filter(isRunHere);
   if (blocks.length > 0) {
-    test(`each of the ${blocks.length} blocks of commands in ${document} works`, (t) => {
-      const sandbox = makeSandbox(t);
+    test(`each of the ${blocks.length} blocks of commands in ${document} works`, () => {
       for (const block of blocks) {
         runBlock(sandbox, block);
       }
     });
   }
 }
+
+test("what the README names for it removes the package", () => {
+  const command = "sudo apt remove fthsummary";
+  assert.ok(read(SOURCE, "README.md").includes(`\`${command}\``));
+  const program = `${sandbox.root}/usr/bin/fthsummary`;
+  assert.ok(fs.existsSync(program));
+  runBlock(sandbox, { text: command });
+  assert.ok(!fs.existsSync(program));
+});
+
+test("tools/update-content-policy puts today's policy into docs/ci.md", () => {
+  const document = path.join(sandbox.tree, "docs/ci.md");
+  const policy = /Content-Security-Policy "default-src [^"]*"/;
+  const [today] = read(document).match(policy);
+  fs.writeFileSync(document, read(document).replace(policy, 'Content-Security-Policy "default-src x"'));
+  runBlock(sandbox, { text: "tools/update-content-policy" });
+  assert.equal(read(document).match(policy)[0], today);
+});
 
 test("each document is closed, and each of its blocks is of a kind that is checked", () => {
   assert.ok(DOCUMENTS.length >= 6, DOCUMENTS.join());
@@ -96,19 +123,18 @@ test("each document is closed, and each of its blocks is of a kind that is check
 test("a block that is run elsewhere is known, and really run there", () => {
   const elsewhere = DOCUMENTS.flatMap(fencedBlocks).filter(({ marker }) => marker?.startsWith("run by: "));
   assert.deepEqual(
-    elsewhere.map(({ marker, text }) => [text.trim(), marker.slice("run by: ".length)]),
-    Object.entries(RUN_ELSEWHERE),
+    Object.fromEntries(elsewhere.map(({ marker, text }) => [text.trim(), marker.slice("run by: ".length)])),
+    RUN_ELSEWHERE,
   );
   const script = read(SOURCE, "tools/test");
-  for (const part of [/^build checked$/m, /^run_tests checked$/m, /tools\/test-packaging/]) {
+  for (const part of [/build checked/, /run_tests checked/, /tools\/test-packaging/]) {
     assert.match(script, part);
   }
   assert.match(script, /cmake --preset \$1 && cmake --build --preset \$1/);
   assert.match(script, /ctest --preset "\$1"/);
 });
 
-test("a command that fails is noticed, so these tests can fail", (t) => {
-  const sandbox = makeSandbox(t);
+test("a command that fails is noticed, so these tests can fail", () => {
   assert.throws(() => runBlock(sandbox, { text: "false\ntrue\n" }));
   assert.throws(() => runBlock(sandbox, { text: "apt install ./missing.deb\n" }));
   assert.throws(() => runBlock(sandbox, { text: "apt install no-such-package\n" }));
@@ -147,7 +173,7 @@ test("the examples in the man page work", (t) => {
   const env = { PATH: `${FIRST}/build/release:/usr/bin:/bin` };
   const section = read(SOURCE, "man/fthsummary.1").match(/^\.Sh EXAMPLES\n(.*?)^\.Sh/ms)[1];
   const line = section.match(/^\.Dl (.*)$/m)[1];
-  const [script, ci, query] = [...section.matchAll(/^\.Bd .*\n(.*?)^\.Ed$/gms)].map((match) =>
+  const [script, ci, query] = [...section.matchAll(/^\.Bd [^\n]*\n(.*?)^\.Ed$/gms)].map((match) =>
     match[1].replaceAll("\\e", "\\"),
   );
   const shell = (text, status) => run("sh", ["-eu", "-c", text], { cwd: folder, env, status });

@@ -116,7 +116,7 @@ export function copyReport(test, verdict, to) {
 // The fenced blocks of a document: language, the word "file=..." if any, the marker
 // in the comment above it, text.
 export function fencedBlocks(document) {
-  const pattern = /(?:<!-- (.*?) -->\n)?^```(\w*)(?: file=(\S+))?\n(.*?)^```$/gms;
+  const pattern = /(?:<!-- ([^\n]*?) -->\n)?^```(\w*)(?: file=(\S+))?\n(.*?)^```$/gms;
   return [...read(SOURCE, document).matchAll(pattern)].map(([, marker, language, file, text]) => ({
     marker,
     language,

@@ -48,15 +48,18 @@ const DEFAULTS = {
   initScripts: [],
 };
 
-/** Opens the file, hands it to the body and checks that it stayed silent. */
+/**
+ * Opens the file, hands it to the body and checks that it stayed silent. The init scripts,
+ * each [function, argument], run before those of the page.
+ */
 async function withPage(browser, path, options, body) {
   const { width, height, initScripts, ...rest } = { ...DEFAULTS, ...options };
   const context = await browser.newContext({ ...rest, viewport: { width, height } });
   try {
     context.setDefaultTimeout(PATIENCE_MS);
     const seen = watch(context);
-    for (const script of initScripts) {
-      await context.addInitScript(script);
+    for (const [script, argument] of initScripts) {
+      await context.addInitScript(script, argument);
     }
     const page = await context.newPage();
     await page.goto(pathToFileURL(path).href);
@@ -68,13 +71,13 @@ async function withPage(browser, path, options, body) {
 }
 
 /** Keeps one browser open while the tests of a file run; returns the way to open pages. */
-export function useBrowser() {
+export function useBrowser(extraOptions = {}) {
   let browser;
   before(async () => {
-    browser = await chromium.launch(LAUNCH_OPTIONS);
+    browser = await chromium.launch({ ...LAUNCH_OPTIONS, ...extraOptions });
   });
   after(async () => {
-    await browser.close();
+    await browser?.close();
   });
   return (path, options, body) => withPage(browser, path, options, body);
 }
