@@ -79,6 +79,7 @@ set(CPACK_DEBIAN_PACKAGE_NAME fthsummary)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion, jq, python3-jsonschema")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "\
 fthsummary reads the Fathomix analyze reports below a directory and writes
 one self-contained HTML page that says which passed, failed or ended in an
