@@ -11,6 +11,7 @@
 // itself. The texts are not owned and outlive the table's use.
 using ByteReplacements = std::array<std::string_view, 256>;
 
+// Makes text stand in for byte, in place of what the table said before.
 constexpr void set_replacement(ByteReplacements& replacements, char byte, std::string_view text)
 {
     replacements[static_cast<unsigned char>(byte)] = text;

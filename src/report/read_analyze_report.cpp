@@ -96,7 +96,8 @@ void read_run_error(const char* document, ReportEntry& entry)
     }
 }
 
-// The inside of the tab bar's element; empty when there is none or it never ends.
+// The tab bar from its start tag up to, not including, its end tag; empty when there
+// is none or it never ends.
 std::string_view find_tab_bar(const char* document)
 {
     const char* start = std::strstr(document, TAB_BAR_START);
@@ -228,7 +229,7 @@ void read_analyze_report(const char* full_path, const char* relative_path, Repor
     init_entry(entry, relative_path);
     char* document = nullptr;
     if (read_whole_file(full_path, document)) {
-        scrape(document, entry);
+        scrape_analyze_report(document, relative_path, entry);
         std::free(document);
     }
 }

@@ -11,8 +11,8 @@
 
 // Builds the whole document in memory and then writes it to json_path in one
 // write. The model's version is not used.
-// False: memory ran out while building, and a file of that name is as it was; or
-// the file could not be opened or not be written whole, and is cut or empty.
+// False: memory ran out while building or the file could not be opened, and a file
+// of that name is as it was; or it could not be written whole, and is cut or empty.
 [[nodiscard]] bool write_json_summary(const char* json_path, const SummaryModel& model);
 
 // Appends text as the inside of a JSON string: the double quote, the backslash

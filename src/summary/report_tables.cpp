@@ -212,10 +212,12 @@ bool append_results_section(TextBuffer& buffer, const SummaryModel& model, const
 {
     SortedView view;
     sorted_view_init(view);
+    if (!sorted_view_fill(view, model, passed + failed + errored)) {
+        return false;
+    }
     ResultsLinkContext context;
     make_results_link_context(model.input_dir, output_path, context);
-    const bool complete = sorted_view_fill(view, model, passed + failed + errored) &&
-                          append_tables(buffer, view, context, failed, errored);
+    const bool complete = append_tables(buffer, view, context, failed, errored);
     sorted_view_free(view);
     return complete;
 }

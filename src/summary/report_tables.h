@@ -17,7 +17,7 @@
 inline constexpr std::uint64_t TABLE_PAGE_SIZE = 100;
 
 // Appends the Results section: the Errored and Failed tables where there are such
-// reports, and always the Passed table. The counts are those of the model's tally.
+// reports, and always the Passed table. The counts must be those of the model's tally.
 [[nodiscard]] bool append_results_section(TextBuffer& buffer, const SummaryModel& model,
                                           const char* output_path, std::uint64_t failed,
                                           std::uint64_t passed, std::uint64_t errored);

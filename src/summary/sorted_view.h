@@ -19,8 +19,8 @@ struct SortedView
 void sorted_view_init(SortedView& view);
 
 // Fills an empty view with the model's reports (other files left out), ascending by
-// compare_entries_by_path; reports is their number by the tally. Entries of equal
-// paths stand in any order.
+// compare_entries_by_path. reports is their number by the tally; there must not be
+// more of them in the model. Entries of equal paths stand in any order.
 // False: out of memory; the view is still empty.
 [[nodiscard]] bool sorted_view_fill(SortedView& view, const SummaryModel& model,
                                     std::uint64_t reports);

@@ -13,8 +13,8 @@ inline constexpr std::size_t GENERATED_TIME_SIZE = 64;
 
 // Builds the whole page in memory and then writes it to output_path (as typed,
 // relative to the current directory) in one write. The folder must exist.
-// False: memory ran out while building, and a file of that name is as it was; or
-// the file could not be opened or not be written whole, and is cut or empty.
+// False: memory ran out while building or the file could not be opened, and a file
+// of that name is as it was; or it could not be written whole, and is cut or empty.
 [[nodiscard]] bool write_summary_page(const char* output_path, const SummaryModel& model);
 
 // Appends the grid of headline counts that ends in the suite verdict.

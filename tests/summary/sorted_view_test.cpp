@@ -75,6 +75,12 @@ TEST(SortedView, TellsPathsApartThatDifferBehindTheirFirstDistinctBytes)
               Paths({"s/1234567", "s/12345678", "s/12345678a", "s/12345678b"}));
 }
 
+TEST(SortedView, TellsPathsApartThatShareTheirFirstDistinctBytes)
+{
+    EXPECT_EQ(sorted_by_view({"x", "s/12345678b", "s/12345678a", "s/12345678"}),
+              Paths({"s/12345678", "s/12345678a", "s/12345678b", "x"}));
+}
+
 TEST(SortedView, LeavesOtherFilesOut)
 {
     const Paths paths = {"d", "c", "b", "a"};
@@ -103,6 +109,9 @@ TEST(SortedView, SortsRandomPathsAsAPlainSortDoes)
             for (std::uint64_t length = random() % 14; length > 0; --length) {
                 path += "\x01/ab\x80\xff"[random() % 6];
             }
+            // Long runs alike, so that the first bytes alone do not decide.
+            path += std::string(random() % 3 == 0 ? 10 : 0, 'r');
+            path += "ab"[random() % 2];
         }
         Paths expected = paths;
         std::sort(expected.begin(), expected.end(), [](const auto& first, const auto& second) {

@@ -1,0 +1,39 @@
+# Runs the embedding step on texts that it must take and on texts that it must
+# refuse. Needs FOLDER, a place to write in.
+set(script "${CMAKE_CURRENT_LIST_DIR}/embed_text.cmake")
+
+function(embed name content result)
+  file(WRITE "${FOLDER}/${name}" "${content}")
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" "-DHEADER=${FOLDER}/${name}.h" -DNAME=TEXT
+            "-DFILE=${FOLDER}/${name}" -DELEMENT= -P "${script}"
+    RESULT_VARIABLE status ERROR_VARIABLE message)
+  set(${result} "${status}" PARENT_SCOPE)
+  set(message "${message}" PARENT_SCOPE)
+endfunction()
+
+foreach(text "</style>" "a</StYlE b" "</script>" "x</SCRIPT" "</style" "</script\n")
+  embed(refused "${text}" status)
+  if(status EQUAL 0 OR NOT message MATCHES "would close the element")
+    message(FATAL_ERROR "'${text}' is not refused: ${message}")
+  endif()
+endforeach()
+
+# CMake's strings cannot hold a NUL; the shell's printf can write one.
+execute_process(COMMAND printf "a\\0b" OUTPUT_FILE "${FOLDER}/nul")
+execute_process(
+  COMMAND "${CMAKE_COMMAND}" "-DHEADER=${FOLDER}/nul.h" -DNAME=TEXT "-DFILE=${FOLDER}/nul"
+          -DELEMENT= -P "${script}"
+  RESULT_VARIABLE status ERROR_VARIABLE message)
+if(status EQUAL 0 OR NOT message MATCHES "NUL byte")
+  message(FATAL_ERROR "a NUL byte is not refused: ${message}")
+endif()
+
+# Bytes 0x10 0x0f hold "00" only across two bytes; the others merely look alike.
+string(ASCII 16 15 control_bytes)
+foreach(text "" "${control_bytes}" "< /style>" "</stile>" "<style>" "</ script>" ";[]\\\"")
+  embed(taken "${text}" status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "'${text}' is refused: ${message}")
+  endif()
+endforeach()
