@@ -7,12 +7,11 @@
 
 namespace {
 
-constexpr std::string_view SEPARATORS = "/\\";
 constexpr std::string_view JSON_ENDING = ".json";
 
 bool is_separator(char c)
 {
-    return SEPARATORS.find(c) != std::string_view::npos;
+    return PATH_SEPARATORS.find(c) != std::string_view::npos;
 }
 
 bool ensure_folder(const char* path)
@@ -54,7 +53,7 @@ bool create_page_folders(std::string_view page_path, char* path_buffer)
     if (page_path.size() >= PATH_BUFFER_SIZE) {
         return false;
     }
-    const std::size_t last = page_path.find_last_of(SEPARATORS);
+    const std::size_t last = page_path.find_last_of(PATH_SEPARATORS);
     if (last == std::string_view::npos || last == 0) {
         return true;
     }

@@ -56,6 +56,20 @@ bool measure(int file, off_t& size)
     return size >= 0 && lseek(file, 0, SEEK_SET) == 0;
 }
 
+int open_without_waiting(const char* path)
+{
+    // O_NONBLOCK: opening a FIFO must not wait for a writer. O_NOCTTY: a terminal must
+    // not become ours.
+    const int flags = O_RDONLY | O_NOCTTY | O_CLOEXEC;
+    const int file = open(path, flags | O_NONBLOCK);
+    if (file >= 0 || errno != EWOULDBLOCK) {
+        return file;
+    }
+    // Only a file on which another program holds a lease (a file server does) heeds
+    // the flag. The system gives that program a limited time to let go.
+    return open(path, flags);
+}
+
 bool read_open_file(int file, char*& contents)
 {
     off_t size = 0;
@@ -80,9 +94,7 @@ bool read_open_file(int file, char*& contents)
 
 bool read_whole_file(const char* path, char*& contents)
 {
-    // O_NONBLOCK: opening a FIFO must not wait for a writer. Regular files do not
-    // heed it. O_NOCTTY: a terminal must not become ours.
-    const int file = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int file = open_without_waiting(path);
     if (file < 0) {
         return false;
     }

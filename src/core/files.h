@@ -12,7 +12,8 @@
 // the block. There is no upper limit on the size, and an empty file gives a block
 // of one NUL.
 //
-// Never waits: a FIFO without a writer is refused instead of waited for.
+// A FIFO without a writer is refused, not waited for. A file that another program
+// holds a lease on is waited for as long as the system lets that program keep it.
 //
 // False: the path cannot be opened, has no size (a FIFO, a folder), does not fit
 // in memory, or gave fewer bytes than its size; contents is left untouched.

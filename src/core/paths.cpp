@@ -13,18 +13,16 @@ struct Components
     std::size_t count;
 };
 
-constexpr std::string_view SEPARATORS = "/\\";
-
 void split(std::string_view path, Components& components)
 {
     components.count = 0;
     while (components.count < PATH_MAX_COMPONENTS) {
-        const std::size_t start = path.find_first_not_of(SEPARATORS);
+        const std::size_t start = path.find_first_not_of(PATH_SEPARATORS);
         if (start == std::string_view::npos) {
             return;
         }
         path.remove_prefix(start);
-        const std::size_t length = std::min(path.find_first_of(SEPARATORS), path.size());
+        const std::size_t length = std::min(path.find_first_of(PATH_SEPARATORS), path.size());
         components.names[components.count++] =
             path.substr(0, std::min<std::size_t>(length, PATH_COMPONENT_MAX_LENGTH));
         path.remove_prefix(length);

@@ -8,6 +8,8 @@
 //   - an append that returns false has changed nothing: data, length, capacity
 //     and the text are as before, and the buffer still owns its block.
 //
+// A text that is appended must not lie in the buffer's own block, which may move.
+//
 // Lifecycle: text_buffer_init, any number of appends, text_buffer_free. A freed
 // buffer is empty and may be appended to again. Callers may read data and
 // length; only the functions below may change or release them.

@@ -27,8 +27,8 @@ struct Level
 };
 
 // Each level makes the full path at least two characters longer, so the limit on
-// paths is a limit on levels. Keeping them here instead of on the call stack makes
-// a deep tree cost no more stack than a flat one.
+// paths is a limit on levels. One array for all of them, not a stack frame for each,
+// makes a deep tree cost no more stack than a flat one.
 constexpr std::size_t MAX_LEVELS = PATH_BUFFER_SIZE / 2;
 
 struct Walk
@@ -121,7 +121,8 @@ bool may_lead_elsewhere(unsigned char type)
 // A folder needs no question: opening it answers. A plain entry needs one only if
 // it may be a report, and then only until some path in this folder has been
 // examined: what keeps a plain entry from being examined is that the folder may
-// not be searched, and that holds for all of its entries alike.
+// not be searched, and that holds for all of its entries alike. (A single damaged
+// entry may be listed so; reading it then tells that it is unreadable.)
 EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view name)
 {
     if (type == DT_DIR) {
@@ -142,9 +143,9 @@ EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view 
     return listable ? EntryUse::List : EntryUse::Skip;
 }
 
-// Whether the entry at walk.full is the page under this or another name. Only a
-// link can have a canonical path whose last component is not its own name, so
-// everything else is resolved only if it has the page's name.
+// Whether the entry at walk.full is the page under this or another name. What the
+// listing types as anything but a link has its own name as the last component of its
+// canonical path, so it is resolved only if that is the page's name.
 bool is_page(const Walk& walk, unsigned char type, std::string_view name)
 {
     if (walk.canonical_page == nullptr || (!may_lead_elsewhere(type) && name != walk.page_name)) {

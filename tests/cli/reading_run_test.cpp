@@ -1,6 +1,7 @@
 // The built program on small input folders: exit status, closing line, and what
 // each file was taken for.
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -330,4 +331,24 @@ TEST_F(ReadingRun, TheInputFilesAreLeftAsTheyAre)
     EXPECT_EQ(temp.read("in/a.html"), FULL_FAILED_REPORT);
     EXPECT_EQ(temp.read("in/b.html"), errored_report("x"));
     EXPECT_EQ(temp.read("in/notes.txt"), "notes");
+}
+
+TEST_F(ReadingRun, TheJsonListsTheReportsInTheOrderOfTheListing)
+{
+    for (int i = 0; i < 40; ++i) {
+        temp.write("in/r" + std::to_string(i * 7 % 40) + ".html", passed_report());
+    }
+    std::string expected;
+    for (const auto& entry : std::filesystem::directory_iterator(temp.path("in"))) {
+        expected += entry.path().filename().string() + "\n";
+    }
+    expect_complete(0, "40 fathomix reports: 40 passed, 0 failed");
+    const std::string key = "\"relative_path\": \"";
+    const std::string json = temp.read("s.json");
+    std::string order;
+    for (std::size_t at = json.find(key); at != json.npos; at = json.find(key, at + 1)) {
+        const std::size_t start = at + key.size();
+        order += json.substr(start, json.find('"', start) - start) + "\n";
+    }
+    EXPECT_EQ(order, expected);
 }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "core/files.h"
+#include "support/allocation_faults.h"
 #include "support/file_faults.h"
 #include "support/temp_folder.h"
 
@@ -98,8 +99,10 @@ TEST_F(FileFaults, ASeekBackToTheStartThatFailsRefusesTheFile)
 TEST_F(FileFaults, ASizeToWhichNothingCanBeAddedRefusesTheFile)
 {
     const FileFault fault(FileCall::Seek, 1, INT64_MAX);
+    const std::uint64_t allocations = allocation_count();
     EXPECT_EQ(read(), "(refused)");
     EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(allocation_count(), allocations);
 }
 
 TEST_F(FileFaults, AWriteThatFailsIsToldAndLeavesAnEmptyFile)

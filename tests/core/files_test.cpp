@@ -285,6 +285,38 @@ TEST(ReadWholeFile, OfADirectoryThatReportsSizeZeroFails)
     expect_refused("/proc");
 }
 
+namespace {
+
+// What a file server does that is asked to let go of a lease.
+int leased_file = -1;
+
+void release_lease(int /*signal*/)
+{
+    fcntl(leased_file, F_SETLEASE, F_UNLCK);
+}
+
+} // namespace
+
+TEST(ReadWholeFile, OfAFileThatAnotherHoldsALeaseOnReadsItOnceItIsReleased)
+{
+    const TempFolder temp;
+    temp.write("file", "leased");
+    leased_file = open(temp.path("file").c_str(), O_RDWR);
+    ASSERT_GE(leased_file, 0);
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = release_lease;
+    action.sa_flags = SA_RESTART;
+    ASSERT_EQ(sigaction(SIGIO, &action, &before), 0);
+    ASSERT_EQ(fcntl(leased_file, F_SETLEASE, F_WRLCK), 0);
+    char* contents = nullptr;
+    EXPECT_TRUE(read_whole_file(temp.path("file").c_str(), contents));
+    EXPECT_STREQ(contents, "leased");
+    std::free(contents);
+    close(leased_file);
+    sigaction(SIGIO, &before, nullptr);
+}
+
 TEST(ReadWholeFile, OfASocketFails)
 {
     const TempFolder temp;

@@ -21,6 +21,7 @@
 #include "support/allocation_faults.h"
 #include "support/process.h"
 #include "support/temp_folder.h"
+#include "support/unknown_entry_types.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -30,7 +31,8 @@ using ::testing::UnorderedElementsAreArray;
 namespace {
 
 constexpr unsigned HANG_SECONDS = 60;
-constexpr std::size_t DEEP_LEVELS = 2040; // "./a/a/.../a/r.html": 4088 characters
+constexpr std::size_t DEEP_LEVELS = 2040;     // "./a/a/.../a/r.html": 4088 characters
+constexpr std::size_t LISTABLE_LEVELS = 2043; // with "r.html" 4094 characters
 constexpr rlim_t DEEP_DESCRIPTORS = 2200;
 constexpr rlim_t STACK_BYTES = 8U << 20;
 
@@ -158,16 +160,17 @@ void make_files_in(const std::string& folder, const Paths& names)
     close(parent);
 }
 
-// DEEP_LEVELS folders "a", one inside the other, with a file r.html in the top and
+// Folders "a", one inside the other, with a file r.html in the top and
 // in each of them; removed again with few descriptors and short paths.
 class DeepTree
 {
 public:
-    DeepTree() : top_(open(temp_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    explicit DeepTree(std::size_t levels)
+        : top_(open(temp_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
     {
         int folder = dup(top_);
         close(openat(folder, "r.html", O_WRONLY | O_CREAT, 0644));
-        for (std::size_t level = 0; level < DEEP_LEVELS; ++level) {
+        for (std::size_t level = 0; level < levels; ++level) {
             EXPECT_EQ(mkdirat(folder, "a", 0755), 0);
             const int inner = openat(folder, "a", O_RDONLY | O_DIRECTORY);
             EXPECT_GE(inner, 0);
@@ -219,7 +222,7 @@ Paths deep_paths(std::size_t folders)
 
 // Walks the deep tree as an ordinary user with so many descriptors and an 8 MiB
 // stack. 0: it listed what as many folders hold as can be open at once.
-int walk_deep_tree(const DeepTree& tree, rlim_t descriptors)
+int walk_deep_tree(const DeepTree& tree, std::size_t levels, rlim_t descriptors)
 {
     return run_unprivileged([&] {
         alarm(HANG_SECONDS);
@@ -237,7 +240,8 @@ int walk_deep_tree(const DeepTree& tree, rlim_t descriptors)
         if (!walk.result) {
             return 3;
         }
-        return sorted(walk.paths) == sorted(deep_paths(std::min(DEEP_LEVELS + 1, free))) ? 0 : 4;
+        const std::size_t folders = std::min({levels, LISTABLE_LEVELS, free - 1}) + 1;
+        return sorted(walk.paths) == sorted(deep_paths(folders)) ? 0 : 4;
     });
 }
 
@@ -731,14 +735,63 @@ TEST(ScanReports, ListsATree2040FoldersDeepWithinAnEightMebibyteStack)
         std::cout << "only " << files.rlim_max
                   << " descriptors may be open: the tree is listed as deep as they reach\n";
     }
-    const DeepTree tree;
-    EXPECT_EQ(walk_deep_tree(tree, DEEP_DESCRIPTORS), 0);
+    const DeepTree tree(DEEP_LEVELS);
+    EXPECT_EQ(walk_deep_tree(tree, DEEP_LEVELS, DEEP_DESCRIPTORS), 0);
+}
+
+TEST(ScanReports, EntersAsManyFoldersAsAPathCanNameAndNoMore)
+{
+    // "./a/a/.../a" has 4,095 characters at level 2,047.
+    for (const std::size_t levels : {2046U, 2047U, 2048U}) {
+        const DeepTree tree(levels);
+        EXPECT_EQ(walk_deep_tree(tree, levels, DEEP_DESCRIPTORS), 0) << levels;
+    }
 }
 
 TEST(ScanReports, OfADeepTreeWith64DescriptorsEndsNormallyWithWhatItCouldOpen)
 {
-    const DeepTree tree;
-    EXPECT_EQ(walk_deep_tree(tree, 64), 0);
+    const DeepTree tree(DEEP_LEVELS);
+    EXPECT_EQ(walk_deep_tree(tree, DEEP_LEVELS, 64), 0);
+}
+
+TEST(ScanReports, ListsTheSameWhereTheListingTellsNoTypes)
+{
+    const TempFolder temp;
+    temp.write("r.html", "");
+    temp.write("notes.txt", "");
+    temp.write("page.html", "");
+    temp.write("a/b/deep.htm", "");
+    temp.write("a/page.html", "");
+    temp.make_folder("folder.html");
+    temp.link("../page.html", "a/link.html");
+    temp.link("nowhere.html", "dangling.html");
+    temp.link("a/b", "folderlink");
+    ASSERT_EQ(mkfifo(temp.path("fifo.html").c_str(), 0644), 0);
+    const Paths expected = {"a/b/deep.htm", "a/page.html", "fifo.html", "folderlink/deep.htm",
+                            "r.html"};
+    EXPECT_EQ(sorted(listed(temp.path(), temp.path("page.html"))), expected);
+    const UnknownEntryTypes types;
+    EXPECT_EQ(sorted(listed(temp.path(), temp.path("page.html"))), expected);
+}
+
+TEST(ScanReports, ListsALinkWhoseCanonicalPathCannotBeTold)
+{
+    // Each link is short, but the folder that they lead to has a path of its own that
+    // is longer than a path may be.
+    const DeepTree tree(DEEP_LEVELS + 20);
+    const TempFolder temp;
+    temp.write("page.html", "");
+    std::string folder = tree.path();
+    for (std::size_t level = 0; level < DEEP_LEVELS; level += 510) {
+        for (int i = 0; i < 510; ++i) {
+            folder += "/a";
+        }
+        const std::string link = "link" + std::to_string(level);
+        temp.link(folder, link);
+        folder = temp.path(link);
+    }
+    temp.link(folder + "/a/a/a/r.html", "in/far.html");
+    EXPECT_EQ(listed(temp.path("in"), temp.path("page.html")), Paths({"far.html"}));
 }
 
 TEST(ScanReports, LeavesNoFileOpen)
