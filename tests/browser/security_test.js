@@ -16,7 +16,8 @@ const BROWSERS_OWN = /^\w+ (https?:\/\/)?[a-z0-9.-]+\.(google|googleapis|gvt1)\.
 const asked = [];
 const proxy = createServer((socket) => {
   socket.on("error", () => undefined);
-  socket.on("data", (data) => {
+  // A request's first line tells whose it is; its body may come later.
+  socket.once("data", (data) => {
     const [line] = data.toString("latin1").split("\r\n");
     if (!BROWSERS_OWN.test(line)) {
       asked.push(line);
