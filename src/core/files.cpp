@@ -20,12 +20,13 @@ constexpr mode_t DIRECTORY_BIT = 0x4000;
 
 // One call gives everything in the ordinary case; the loop is for files beyond
 // what the kernel hands over at once (2 GiB). It asks even for nothing, which tells
-// an empty file from a directory of size zero.
+// an empty file from a directory of size zero, and reads by position, which spares
+// a seek back to the start.
 bool read_fully(int file, char* bytes, std::size_t length)
 {
     std::size_t done = 0;
     do {
-        const ssize_t count = read(file, bytes + done, length - done);
+        const ssize_t count = pread(file, bytes + done, length - done, static_cast<off_t>(done));
         if (count < 0 || (count == 0 && done < length)) {
             return false;
         }
@@ -47,15 +48,6 @@ bool write_fully(int file, const char* bytes, std::uint64_t length)
     return true;
 }
 
-// The size of an open file, its position left at the start. A directory that has
-// taken a file's place reports a size, too: on some file systems the largest that
-// there is, so callers check before they add to it.
-bool measure(int file, off_t& size)
-{
-    size = lseek(file, 0, SEEK_END);
-    return size >= 0 && lseek(file, 0, SEEK_SET) == 0;
-}
-
 int open_without_waiting(const char* path)
 {
     // O_NONBLOCK: opening a FIFO must not wait for a writer. O_NOCTTY: a terminal must
@@ -72,8 +64,10 @@ int open_without_waiting(const char* path)
 
 bool read_open_file(int file, char*& contents)
 {
-    off_t size = 0;
-    if (!measure(file, size) || size >= PTRDIFF_MAX) {
+    // A directory that has taken a file's place reports a size, too: on some file
+    // systems the largest that there is, to which nothing can be added.
+    const off_t size = lseek(file, 0, SEEK_END);
+    if (size < 0 || size >= PTRDIFF_MAX) {
         return false;
     }
     const std::size_t length = static_cast<std::size_t>(size);

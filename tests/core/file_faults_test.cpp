@@ -89,13 +89,6 @@ TEST_F(FileFaults, ASeekToTheEndThatFailsRefusesTheFile)
     EXPECT_TRUE(fault.happened());
 }
 
-TEST_F(FileFaults, ASeekBackToTheStartThatFailsRefusesTheFile)
-{
-    const FileFault fault(FileCall::Seek, 2, -1);
-    EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
-}
-
 TEST_F(FileFaults, ASizeToWhichNothingCanBeAddedRefusesTheFile)
 {
     const FileFault fault(FileCall::Seek, 1, INT64_MAX);

@@ -30,17 +30,18 @@ bool is_faulty(FileCall call)
 } // namespace
 
 extern "C" {
-ssize_t __real_read(int file, void* bytes, std::size_t count);
+ssize_t __real_pread(int file, void* bytes, std::size_t count, off_t offset);
 ssize_t __real_write(int file, const void* bytes, std::size_t count);
 off_t __real_lseek(int file, off_t offset, int whence);
-ssize_t __wrap_read(int file, void* bytes, std::size_t count);
+ssize_t __wrap_pread(int file, void* bytes, std::size_t count, off_t offset);
 ssize_t __wrap_write(int file, const void* bytes, std::size_t count);
 off_t __wrap_lseek(int file, off_t offset, int whence);
 
-ssize_t __wrap_read(int file, void* bytes, std::size_t count)
+ssize_t __wrap_pread(int file, void* bytes, std::size_t count, off_t offset)
 {
-    return is_faulty(FileCall::Read) ? static_cast<ssize_t>(faulty_result)
-                                     : __real_read(file, bytes, std::min(count, transfer_limit));
+    return is_faulty(FileCall::Read)
+               ? static_cast<ssize_t>(faulty_result)
+               : __real_pread(file, bytes, std::min(count, transfer_limit), offset);
 }
 
 ssize_t __wrap_write(int file, const void* bytes, std::size_t count)

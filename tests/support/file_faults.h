@@ -1,6 +1,6 @@
 // Makes a chosen file call of the code under test come back wrong.
 //
-// The test programs are linked with --wrap for read, write and lseek, so the calls
+// The test programs are linked with --wrap for pread, write and lseek, so the calls
 // that our own objects make go through here; the libraries' own calls do not.
 
 #pragma once
