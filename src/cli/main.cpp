@@ -1,29 +1,10 @@
 // fthsummary: pass/fail summary of a directory of HTML test reports.
 
-#include <climits>
 #include <csignal>
-
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 #include "cli/command_line.h"
 #include "cli/run.h"
-
-namespace {
-
-// Every report is read into a block of its own. The allocator would hand large ones
-// back to the kernel each time, and the kernel would clear each page of the next one
-// anew, which costs more than reading it.
-void keep_released_memory()
-{
-#ifdef __GLIBC__
-    mallopt(M_MMAP_THRESHOLD, INT_MAX);
-    mallopt(M_TRIM_THRESHOLD, INT_MAX);
-#endif
-}
-
-} // namespace
+#include "core/memory.h"
 
 int main(int argc, char** argv)
 {

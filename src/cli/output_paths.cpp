@@ -9,11 +9,6 @@ namespace {
 
 constexpr std::string_view JSON_ENDING = ".json";
 
-bool is_separator(char c)
-{
-    return PATH_SEPARATORS.find(c) != std::string_view::npos;
-}
-
 bool ensure_folder(const char* path)
 {
     return is_directory(path) || make_folder(path);
@@ -27,6 +22,16 @@ bool ensure_folder_above(char* path, std::size_t length)
     const bool exists = ensure_folder(path);
     path[length] = separator;
     return exists;
+}
+
+// What stands before the last separator; empty when there is none, or nothing before
+// it.
+std::string_view folder_above(std::string_view path)
+{
+    while (!path.empty() && !is_path_separator(path.back())) {
+        path.remove_suffix(1);
+    }
+    return path.substr(0, path.empty() ? 0 : path.size() - 1);
 }
 
 // Whether path begins like "C:/", whose "C:" is never created on its own.
@@ -53,15 +58,14 @@ bool create_page_folders(std::string_view page_path, char* path_buffer)
     if (page_path.size() >= PATH_BUFFER_SIZE) {
         return false;
     }
-    const std::size_t last = page_path.find_last_of(PATH_SEPARATORS);
-    if (last == std::string_view::npos || last == 0) {
+    const std::string_view folder = folder_above(page_path);
+    if (folder.empty()) {
         return true;
     }
-    const std::string_view folder = page_path.substr(0, last);
     std::memcpy(path_buffer, folder.data(), folder.size());
     path_buffer[folder.size()] = '\0';
     for (std::size_t i = 1; i < folder.size(); ++i) {
-        if (is_separator(folder[i]) && !ends_drive_prefix(folder, i) &&
+        if (is_path_separator(folder[i]) && !ends_drive_prefix(folder, i) &&
             !ensure_folder_above(path_buffer, i)) {
             return false;
         }

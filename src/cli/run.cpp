@@ -6,6 +6,7 @@
 
 #include "cli/output_paths.h"
 #include "cli/version.h"
+#include "core/memory.h"
 #include "core/paths.h"
 #include "report/read_analyze_report.h"
 #include "scan/scan_reports.h"
@@ -63,6 +64,7 @@ bool read_files(const CommandLine& options, Reading& reading, char* path_buffer)
         std::fputs("error: out of memory\n", stderr);
         return false;
     }
+    prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
     for (std::uint64_t i = 0; i < count; ++i) {
         read_entry(options.input_dir, reading.files.paths[i], path_buffer, reading.entries[i]);
     }

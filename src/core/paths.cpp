@@ -16,16 +16,20 @@ struct Components
 void split(std::string_view path, Components& components)
 {
     components.count = 0;
+    std::size_t at = 0;
     while (components.count < PATH_MAX_COMPONENTS) {
-        const std::size_t start = path.find_first_not_of(PATH_SEPARATORS);
-        if (start == std::string_view::npos) {
+        while (at < path.size() && is_path_separator(path[at])) {
+            ++at;
+        }
+        if (at == path.size()) {
             return;
         }
-        path.remove_prefix(start);
-        const std::size_t length = std::min(path.find_first_of(PATH_SEPARATORS), path.size());
+        const std::size_t start = at;
+        while (at < path.size() && !is_path_separator(path[at])) {
+            ++at;
+        }
         components.names[components.count++] =
-            path.substr(0, std::min<std::size_t>(length, PATH_COMPONENT_MAX_LENGTH));
-        path.remove_prefix(length);
+            path.substr(start, std::min<std::size_t>(at - start, PATH_COMPONENT_MAX_LENGTH));
     }
 }
 

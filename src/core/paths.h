@@ -13,9 +13,12 @@ inline constexpr std::uint64_t PATH_BUFFER_SIZE = 4096;
 // Bytes of a buffer that holds two such paths joined by "/", its NUL included.
 inline constexpr std::uint64_t LONG_PATH_BUFFER_SIZE = 8192;
 
-// What separates the components of a path that the user typed or that a link is
-// made of: both kinds, wherever this program itself takes a path apart.
-inline constexpr std::string_view PATH_SEPARATORS = "/\\";
+// Whether c separates the components of a path that the user typed or that a link is
+// made of: both kinds do, wherever this program itself takes a path apart.
+constexpr bool is_path_separator(char c)
+{
+    return c == '/' || c == '\\';
+}
 
 // What make_relative_path looks at: so many components of each path, and so many
 // bytes of each component. What lies beyond is cut off without a word.
