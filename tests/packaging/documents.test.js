@@ -7,7 +7,7 @@ import os from "node:os";
 import path from "node:path";
 import process from "node:process";
 import { after, before, test } from "node:test";
-import { FIRST, SOURCE, fencedBlocks, read, run, temporaryFolder } from "./support.js";
+import { FIRST, SOURCE, fencedBlocks, matchJson, read, run, temporaryFolder } from "./support.js";
 
 const DOCUMENTS = run("git", ["ls-files", "--cached", "--others", "--exclude-standard", "*.md"], {
   cwd: SOURCE,
@@ -63,7 +63,12 @@ function runBlock({ tree, root, env }, { marker = "", text }) {
   const replacement = marker.match(/^run as: (.*)$/)?.[1];
   // The one path that is not below the sandbox by itself.
   const script = (replacement ?? text).replaceAll("/usr/share/doc", `${root}/usr/share/doc`);
-  return run("sh", ["-eu", "-c", script], { cwd: tree, env, status });
+  const result = run("sh", ["-eu", "-c", script], { cwd: tree, env, status });
+  const page = script.match(/ -o (\S+)\.html --json/)?.[1];
+  if (page) {
+    assert.deepEqual(matchJson(path.join(tree, `${page}.json`)), []);
+  }
+  return result;
 }
 
 const isRunHere = ({ language, file, marker }) =>

@@ -154,12 +154,79 @@ test("exit status and Suite Verdict are those of the tables", { timeout: 60000 }
   }
 });
 
-test("the README's table of exit statuses agrees with the man page's", () => {
+// One folder with a report that passed; the page is "out/index.html" in it.
+function passedFolder(t) {
+  const folder = temporaryFolder(t);
+  copyReport(t, "PASS", `${folder}/reports/PASS.html`);
+  fs.mkdirSync(`${folder}/out`);
+  return folder;
+}
+
+const PAGE_ARGS = ["--input", "reports", "-o", "out/index.html"];
+
+test("wrong arguments and a missing directory end with 1 and leave an older page", (t) => {
+  const folder = passedFolder(t);
+  fs.writeFileSync(`${folder}/out/index.html`, "old");
+  for (const args of [["--wrong"], PAGE_ARGS.slice(2), ["--input", "nowhere", ...PAGE_ARGS.slice(2)]]) {
+    run(PROGRAM, args, { cwd: folder, status: 1 });
+    assert.equal(read(folder, "out/index.html"), "old");
+  }
+});
+
+test("a folder that cannot be created ends with 1 and no page", (t) => {
+  const folder = passedFolder(t);
+  fs.writeFileSync(`${folder}/file`, "");
+  const args = ["--input", "reports", "-o", "file/below/index.html"];
+  const { stdout, stderr } = run(PROGRAM, args, { cwd: folder, status: 1 });
+  assert.equal(stdout, "");
+  assert.match(stderr, /^error: could not create the folder for /);
+});
+
+test("a page that cannot be opened ends with 1 and leaves what was there", (t) => {
+  const folder = passedFolder(t);
+  // Nobody, root included, can open a program for writing while it runs.
+  const page = `${folder}/out/index.html`;
+  fs.copyFileSync(PROGRAM, page);
+  const { stdout } = run(page, PAGE_ARGS, { cwd: folder, status: 1 });
+  assert.equal(stdout, "");
+  assert.ok(fs.readFileSync(page).equals(fs.readFileSync(PROGRAM)));
+});
+
+test("a page that cannot be written whole ends with 1 and is incomplete", (t) => {
+  const folder = passedFolder(t);
+  const limited = ["-c", 'ulimit -f 1; exec "$@"', "-", PROGRAM, ...PAGE_ARGS];
+  const { stdout } = run("sh", limited, { cwd: folder, status: 1 });
+  assert.equal(stdout, "");
+  const page = read(folder, "out/index.html");
+  assert.match(page, /^<!DOCTYPE html>/i);
+  assert.doesNotMatch(page, /<\/html>/);
+});
+
+test("a JSON file that cannot be written ends with 1 beside a whole page", (t) => {
+  const folder = passedFolder(t);
+  // Can be opened, but takes nothing.
+  fs.symlinkSync("/dev/full", `${folder}/out/index.json`);
+  const { stdout } = run(PROGRAM, [...PAGE_ARGS, "--json"], { cwd: folder, status: 1 });
+  assert.equal(stdout, "");
+  const withJson = read(folder, "out/index.html");
+  run(PROGRAM, PAGE_ARGS, { cwd: folder });
+  const withoutTime = (page) => page.replace(/\d{4}-\d\d-\d\d \d\d:\d\d(:\d\d)?/, "");
+  assert.equal(withoutTime(withJson), withoutTime(read(folder, "out/index.html")));
+  assert.match(withJson, /<div class="v">PASS<[^]*<\/html>\s*$/);
+});
+
+test("the README's table of exit statuses is the man page's", () => {
   const section = README.match(/^## Exit status.*?\n(.*?)^## /ms)[1];
-  const rows = [...section.matchAll(/^\| (.*) \| (\d) \| (.*) \|$/gm)].map((row) => row.slice(1));
-  const pairs = rows.map(([, status, verdict]) => `${status} ${verdict}`);
-  const manual = [...MANUAL.matchAll(/^\.It .* Ta (\d) Ta (.*)$/gm)].map((row) => `${row[1]} ${row[2]}`);
-  assert.deepEqual(pairs, manual);
+  const rows = [...section.matchAll(/^\| (.*) \| (\d) \| (.*) \|$/gm)].map((row) =>
+    row.slice(1).map((cell) => cell.replaceAll("`", "")),
+  );
+  const manual = [...MANUAL.matchAll(/^\.It (.*) Ta (\d) Ta (.*)$/gm)].map((row) =>
+    row.slice(1).map((cell) =>
+      cell.replace(/\bFl /g, "-").replace(/ ,/g, ",").replace(/\bNo /g, ""),
+    ),
+  );
+  assert.equal(rows.length, 12);
+  assert.deepEqual(rows, manual);
 });
 
 test("the limits in README and man page are those of the program", () => {

@@ -88,6 +88,21 @@ test("the licence has one marked place, from which the package takes it", (t) =>
   assert.equal(read(folder, "usr/share/doc/fthsummary/copyright"), text);
 });
 
+test("each file that an installed document links to is installed, too", (t) => {
+  const folder = temporaryFolder(t);
+  run("dpkg-deb", ["-x", PACKAGE, folder]);
+  const papers = path.join(folder, "usr/share/doc/fthsummary");
+  const documents = filesBelow(papers).filter((file) => file.endsWith(".md"));
+  assert.ok(documents.includes("README.md") && documents.includes("SECURITY.md"));
+  const links = documents.flatMap((document) =>
+    [...read(papers, document).matchAll(/\]\(([^)#:]+)/g)].map((match) =>
+      path.join(path.dirname(document), match[1]),
+    ),
+  );
+  assert.ok(links.length > 0);
+  assert.deepEqual(links.filter((file) => !fs.existsSync(path.join(papers, file))), []);
+});
+
 test("it can be installed, used on the bundled reports and removed without a trace", (t) => {
   const root = temporaryFolder(t);
   fs.mkdirSync(`${root}/var/lib/dpkg/info`, { recursive: true });

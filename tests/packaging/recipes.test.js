@@ -10,6 +10,7 @@ import {
   SOURCE,
   copyReport,
   fencedBlocks,
+  matchJson,
   packageOf,
   read,
   run,
@@ -175,6 +176,7 @@ test("the cron job prints the counts, and none when there is no summary", (t) =>
   const counts = "3 reports: 1 passed, 1 failed, 1 errored\nother files: 0\n";
   assert.equal(cron(0).stdout, counts);
   assert.equal(cron(0).stdout, counts);
+  assert.deepEqual(matchJson(`${folder}/reports/index.json`), []);
 
   // The page cannot be written: yesterday's JSON file must not speak for today.
   fs.rmSync(`${folder}/reports/index.html`);
@@ -192,7 +194,7 @@ function makeFolders(t) {
     path.join(EXAMPLES, reports.find((each) => each.verdict === verdict).relative_path);
   for (let i = 0; i < FOLDERS; i += 1) {
     const verdict = i % 100 === 0 ? "ERROR" : i % 10 === 0 ? "FAIL" : "PASS";
-    const name = `${folder}/suites/suite ${i} & 'co'`;
+    const name = `${folder}/all suites/suite ${i} & 'co'`;
     fs.mkdirSync(name, { recursive: true });
     fs.copyFileSync(source(verdict), `${name}/report.html`);
   }
@@ -205,8 +207,25 @@ function checkMerged(folder, output) {
   const { folders, ...counts } = merged;
   assert.deepEqual(counts, { total_reports: 1000, passed: 900, failed: 90, errored: 10 });
   assert.equal(folders.length, FOLDERS);
-  assert.equal(fs.readdirSync(output).filter((name) => name.endsWith(".html")).length, FOLDERS);
+  const written = fs.readdirSync(output);
+  assert.equal(written.filter((name) => name.endsWith(".html")).length, FOLDERS);
+  for (const name of written.filter((each) => each.endsWith(".json"))) {
+    assert.deepEqual(matchJson(`${output}/${name}`), [], name);
+  }
 }
+
+test("the merged JSON of no summaries says 0 and not null", (t) => {
+  const folder = temporaryFolder(t);
+  fs.mkdirSync(`${folder}/the output`);
+  const script = writeRecipe("merge-summaries", folder);
+  assert.deepEqual(JSON.parse(run(script, [`${folder}/the output`], ENV).stdout), {
+    total_reports: 0,
+    passed: 0,
+    failed: 0,
+    errored: 0,
+    folders: [],
+  });
+});
 
 for (const [recipe, failedStatus] of [
   ["summarise-all", 123],
@@ -216,16 +235,16 @@ for (const [recipe, failedStatus] of [
     const folder = makeFolders(t);
     const script = writeRecipe(recipe, folder);
     const env = { PATH, HOME: folder };
-    const all = [`${folder}/suites`, `${folder}/out`];
+    const all = [`${folder}/all suites`, `${folder}/the output`];
     const { stdout } = run(script, all, { status: failedStatus, env });
     assert.equal(stdout.match(/^wrote /gm).length, 2 * FOLDERS);
-    checkMerged(folder, `${folder}/out`);
+    checkMerged(folder, `${folder}/the output`);
   });
 
   test(`${recipe} ends with 0 when every folder is well`, (t) => {
     const folder = makeProject(t, ["PASS"]);
     const script = writeRecipe(recipe, folder);
-    run(script, [folder, `${folder}/out`], { env: { PATH, HOME: folder } });
-    assert.ok(fs.existsSync(`${folder}/out/reports.json`));
+    run(script, [folder, `${folder}/the output`], { env: { PATH, HOME: folder } });
+    assert.ok(fs.existsSync(`${folder}/the output/reports.json`));
   });
 }

@@ -71,6 +71,12 @@ test("tools/release refuses a tree with uncommitted changes, before it does anyt
   assert.match(stderr, /uncommitted changes/);
 });
 
+test("tools/release stops when git cannot tell whether there are any", (t) => {
+  const { stdout, stderr } = run(path.join(releaseCopy(t), "tools/release"), [], { status: 128 });
+  assert.equal(stdout, "");
+  assert.match(stderr, /not a git repository/);
+});
+
 test("tools/release refuses an argument that it does not know", (t) => {
   const { stderr } = run(path.join(releaseCopy(t), "tools/release"), ["--quick"], { status: 1 });
   assert.match(stderr, /^usage: /);

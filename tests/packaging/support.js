@@ -86,9 +86,12 @@ export function filesBelow(folder) {
     .sort();
 }
 
+const validate = new Ajv2020({ allErrors: true, strict: true }).compile(
+  JSON.parse(read(SOURCE, "docs/summary.schema.json")),
+);
+
+// What is wrong with a JSON summary; empty when it follows the schema.
 export function matchJson(file) {
-  const schema = JSON.parse(read(SOURCE, "docs/summary.schema.json"));
-  const validate = new Ajv2020({ allErrors: true, strict: true }).compile(schema);
   validate(JSON.parse(read(file)));
   return validate.errors ?? [];
 }
