@@ -16,8 +16,8 @@ bool append_replaced_text(TextBuffer& buffer, std::string_view text,
     // Bytes that stand for themselves are copied in whole runs.
     std::size_t run = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::string_view replacement = replacements[static_cast<unsigned char>(text[i])];
-        if (replacement.empty()) {
+        const char* replacement = replacements[static_cast<unsigned char>(text[i])];
+        if (replacement == nullptr) {
             continue;
         }
         if (!append_run(buffer, text.substr(run, i - run)) ||

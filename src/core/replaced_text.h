@@ -7,12 +7,12 @@
 
 #include "core/text_buffer.h"
 
-// What stands in for each byte value; an empty text where the byte stands for
-// itself. The texts are not owned and outlive the table's use.
-using ByteReplacements = std::array<std::string_view, 256>;
+// What stands in for each byte value: a NUL-terminated text that is not owned and
+// outlives the table's use, or null where the byte stands for itself.
+using ByteReplacements = std::array<const char*, 256>;
 
 // Makes text stand in for byte, in place of what the table said before.
-constexpr void set_replacement(ByteReplacements& replacements, char byte, std::string_view text)
+constexpr void set_replacement(ByteReplacements& replacements, char byte, const char* text)
 {
     replacements[static_cast<unsigned char>(byte)] = text;
 }

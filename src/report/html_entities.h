@@ -9,7 +9,7 @@
 
 struct HtmlEntity
 {
-    std::string_view reference; // with its "&" and ";"
+    std::string_view reference; // with its "&" and ";"; a NUL follows it
     char character;             // what it stands for
 };
 

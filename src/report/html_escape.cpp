@@ -9,7 +9,7 @@ constexpr ByteReplacements make_text_replacements()
 {
     ByteReplacements replacements = {};
     for (const HtmlEntity& entity : html_entities) {
-        set_replacement(replacements, entity.character, entity.reference);
+        set_replacement(replacements, entity.character, entity.reference.data());
     }
     return replacements;
 }

@@ -8,19 +8,19 @@
 namespace {
 
 constexpr std::size_t CONTROL_COUNT = 0x20; // bytes below the space
-constexpr std::size_t UNICODE_ESCAPE_SIZE = 6;
 
-// "\u0000" to "\u001f", one after another.
-constexpr std::array<char, CONTROL_COUNT * UNICODE_ESCAPE_SIZE> make_unicode_escapes()
+struct UnicodeEscape
+{
+    char text[7]; // such as "\u001f", and a NUL
+};
+
+// Those of the control characters, by their numbers.
+constexpr std::array<UnicodeEscape, CONTROL_COUNT> make_unicode_escapes()
 {
     constexpr std::string_view DIGITS = "0123456789abcdef";
-    std::array<char, CONTROL_COUNT* UNICODE_ESCAPE_SIZE> escapes = {};
+    std::array<UnicodeEscape, CONTROL_COUNT> escapes = {};
     for (std::size_t byte = 0; byte < CONTROL_COUNT; ++byte) {
-        const char text[UNICODE_ESCAPE_SIZE] = {
-            '\\', 'u', '0', '0', DIGITS[byte / 16], DIGITS[byte % 16]};
-        for (std::size_t i = 0; i < UNICODE_ESCAPE_SIZE; ++i) {
-            escapes[byte * UNICODE_ESCAPE_SIZE + i] = text[i];
-        }
+        escapes[byte] = {{'\\', 'u', '0', '0', DIGITS[byte / 16], DIGITS[byte % 16], '\0'}};
     }
     return escapes;
 }
@@ -32,8 +32,7 @@ constexpr ByteReplacements make_replacements()
 {
     ByteReplacements replacements = {};
     for (std::size_t byte = 0; byte < CONTROL_COUNT; ++byte) {
-        set_replacement(replacements, static_cast<char>(byte),
-                        {&UNICODE_ESCAPES[byte * UNICODE_ESCAPE_SIZE], UNICODE_ESCAPE_SIZE});
+        set_replacement(replacements, static_cast<char>(byte), UNICODE_ESCAPES[byte].text);
     }
     set_replacement(replacements, '\t', "\\t");
     set_replacement(replacements, '\n', "\\n");
