@@ -28,8 +28,8 @@ void split(std::string_view path, Components& components)
         while (at < path.size() && !is_path_separator(path[at])) {
             ++at;
         }
-        components.names[components.count++] =
-            path.substr(start, std::min<std::size_t>(at - start, PATH_COMPONENT_MAX_LENGTH));
+        const std::size_t length = std::min<std::size_t>(at - start, PATH_COMPONENT_MAX_LENGTH);
+        components.names[components.count++] = {path.data() + start, length};
     }
 }
 

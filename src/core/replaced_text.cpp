@@ -3,9 +3,9 @@
 namespace {
 
 // Appending nothing would still allocate a fresh buffer's first block.
-bool append_run(TextBuffer& buffer, std::string_view run)
+bool append_run(TextBuffer& buffer, const char* start, const char* end)
 {
-    return run.empty() || text_buffer_append(buffer, run);
+    return start == end || text_buffer_append(buffer, {start, end});
 }
 
 } // namespace
@@ -14,17 +14,17 @@ bool append_replaced_text(TextBuffer& buffer, std::string_view text,
                           const ByteReplacements& replacements)
 {
     // Bytes that stand for themselves are copied in whole runs.
-    std::size_t run = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char* replacement = replacements[static_cast<unsigned char>(text[i])];
+    const char* run = text.data();
+    const char* const end = run + text.size();
+    for (const char* at = run; at != end; ++at) {
+        const char* replacement = replacements[static_cast<unsigned char>(*at)];
         if (replacement == nullptr) {
             continue;
         }
-        if (!append_run(buffer, text.substr(run, i - run)) ||
-            !text_buffer_append(buffer, replacement)) {
+        if (!append_run(buffer, run, at) || !text_buffer_append(buffer, replacement)) {
             return false;
         }
-        run = i + 1;
+        run = at + 1;
     }
-    return append_run(buffer, text.substr(run));
+    return append_run(buffer, run, end);
 }

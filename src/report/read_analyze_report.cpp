@@ -128,8 +128,9 @@ bool take_tab(std::string_view& rest, Tab& tab)
     if (name_end == std::string_view::npos) {
         return false;
     }
-    tab.opening_tag = rest.substr(start, tag_end - start);
-    tab.name = rest.substr(tag_end + 1, name_end - tag_end - 1);
+    const char* text = rest.data();
+    tab.opening_tag = {text + start, text + tag_end};
+    tab.name = {text + tag_end + 1, text + name_end};
     rest.remove_prefix(name_end + TAB_END.size());
     return true;
 }
