@@ -2,6 +2,12 @@
 # refuse. Needs FOLDER, a place to write in.
 set(script "${CMAKE_CURRENT_LIST_DIR}/embed_text.cmake")
 
+# CMake breaks the lines of its messages where the paths in them happen to end.
+function(one_line text)
+  string(REGEX REPLACE "[ \n]+" " " joined "${${text}}")
+  set(${text} "${joined}" PARENT_SCOPE)
+endfunction()
+
 function(embed name content result)
   file(WRITE "${FOLDER}/${name}" "${content}")
   execute_process(
@@ -9,6 +15,7 @@ function(embed name content result)
             "-DFILE=${FOLDER}/${name}" -DELEMENT= -P "${script}"
     RESULT_VARIABLE status ERROR_VARIABLE message)
   set(${result} "${status}" PARENT_SCOPE)
+  one_line(message)
   set(message "${message}" PARENT_SCOPE)
 endfunction()
 
@@ -25,6 +32,7 @@ execute_process(
   COMMAND "${CMAKE_COMMAND}" "-DHEADER=${FOLDER}/nul.h" -DNAME=TEXT "-DFILE=${FOLDER}/nul"
           -DELEMENT= -P "${script}"
   RESULT_VARIABLE status ERROR_VARIABLE message)
+one_line(message)
 if(status EQUAL 0 OR NOT message MATCHES "NUL byte")
   message(FATAL_ERROR "a NUL byte is not refused: ${message}")
 endif()
