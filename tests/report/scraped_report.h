@@ -5,20 +5,11 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "report/entry_comparison.h"
 #include "report/report_entry.h"
 
-using Names = std::vector<std::string>;
-
-// The byte that fills an entry before it is read into: a field that the reader
-// ought to set and does not is then seen, and so is one that it ought to leave.
-inline constexpr unsigned char OLD_BYTE = 0xaa;
-
 inline constexpr char RELATIVE_PATH[] = "runs/a.html";
-
-// An entry with every byte OLD_BYTE.
-ReportEntry old_entry();
 
 // The entry for a document in memory, or for a file. The test fails if the reader
 // writes beside the entry or leaves an unsound one. The document is handed over in
@@ -26,16 +17,7 @@ ReportEntry old_entry();
 ReportEntry scrape(std::string_view document);
 ReportEntry read_report(const std::string& full_path);
 
-// The names that count, in order.
-Names failed_names(const ReportEntry& entry);
-Names non_gating_names(const ReportEntry& entry);
-
-// Whether every byte of the slots from this one on is OLD_BYTE.
-bool slots_untouched_from(const char (&slots)[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE],
-                          std::uint64_t first);
-
-// The test fails unless what holds for every entry holds: texts end within their
-// fields, counts fit, and the kinds other than Analyzed carry nothing of one.
+// The test fails unless what holds for every entry holds.
 void expect_sound(const ReportEntry& entry);
 
 // The test fails unless the entry is of this kind and everything else in it empty.

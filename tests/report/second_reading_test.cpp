@@ -1,13 +1,13 @@
 // The report reader against the naive scraper, over many generated documents.
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "report/document_generator.h"
+#include "report/entry_comparison.h"
 #include "report/naive_scraper.h"
 #include "report/read_analyze_report.h"
 #include "report/scraped_report.h"
@@ -17,47 +17,6 @@ namespace {
 
 constexpr int DOCUMENTS_PER_SEED = 10000;
 constexpr int DOCUMENTS_THROUGH_FILES = 400;
-
-std::string shown(const Names& names)
-{
-    std::string text = std::to_string(names.size());
-    for (const std::string& name : names) {
-        text += " [" + printable(name) + "]";
-    }
-    return text;
-}
-
-void add_difference(std::string& differences, const char* field, const std::string& read,
-                    const std::string& naive)
-{
-    if (read != naive) {
-        differences += std::string(field) + ": read " + read + ", naive " + naive + "\n";
-    }
-}
-
-// Empty when both readings say the same in every field.
-std::string differences(const ReportEntry& read, const NaiveEntry& naive)
-{
-    std::string found;
-    add_difference(found, "kind", std::to_string(static_cast<std::uint32_t>(read.kind)),
-                   std::to_string(static_cast<std::uint32_t>(naive.kind)));
-    add_difference(found, "passed", std::to_string(read.passed), naive.passed ? "1" : "0");
-    add_difference(found, "analysis_mode", printable(read.analysis_mode),
-                   printable(naive.analysis_mode));
-    add_difference(found, "analysis_mode_sub", printable(read.analysis_mode_sub),
-                   printable(naive.analysis_mode_sub));
-    add_difference(found, "failed_checks", shown(failed_names(read)), shown(naive.failed_checks));
-    add_difference(found, "non_gating_checks", shown(non_gating_names(read)),
-                   shown(naive.non_gating_checks));
-    add_difference(found, "error", printable(read.error), printable(naive.error));
-    if (read.passed == 0 && !slots_untouched_from(read.failed_checks, read.failed_check_count)) {
-        found += "unused slots of failed_checks were written\n";
-    }
-    if (!slots_untouched_from(read.non_gating_checks, read.non_gating_check_count)) {
-        found += "unused slots of non_gating_checks were written\n";
-    }
-    return found;
-}
 
 // Once up to the first NUL alone, so that a sanitizer sees any read beyond it, and
 // once with what follows, which must make no difference.
