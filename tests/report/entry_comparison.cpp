@@ -48,6 +48,26 @@ void add_difference(std::string& differences, const char* field, const std::stri
     }
 }
 
+template <std::size_t SIZE>
+bool holds(const char (&field)[SIZE], const std::string& text)
+{
+    return text.size() < SIZE && std::memcmp(field, text.c_str(), text.size() + 1) == 0;
+}
+
+bool hold(const char (&slots)[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE], std::uint64_t count,
+          const Names& names)
+{
+    if (count != names.size() || count > REPORT_MAX_CHECKS) {
+        return false;
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!holds(slots[i], names[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
 void require(std::string& faults, bool holds, const char* what)
 {
     if (!holds) {
@@ -77,14 +97,9 @@ Names non_gating_names(const ReportEntry& entry)
 bool slots_untouched_from(const char (&slots)[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE],
                           std::uint64_t first)
 {
-    for (std::uint64_t slot = first; slot < REPORT_MAX_CHECKS; ++slot) {
-        for (const char byte : slots[slot]) {
-            if (static_cast<unsigned char>(byte) != OLD_BYTE) {
-                return false;
-            }
-        }
-    }
-    return true;
+    static const std::string untouched(sizeof slots, static_cast<char>(OLD_BYTE));
+    const std::uint64_t used = std::min(first, REPORT_MAX_CHECKS) * REPORT_TEXT_SIZE;
+    return std::memcmp(&slots[0][0] + used, untouched.data(), sizeof slots - used) == 0;
 }
 
 std::string faults_of(const ReportEntry& entry)
@@ -125,6 +140,10 @@ std::string differences(const ReportEntry& read, const NaiveEntry& naive)
                    printable(naive.analysis_mode));
     add_difference(found, "analysis_mode_sub", printable(read.analysis_mode_sub),
                    printable(naive.analysis_mode_sub));
+    add_difference(found, "failed_check_count", std::to_string(read.failed_check_count),
+                   std::to_string(naive.failed_checks.size()));
+    add_difference(found, "non_gating_check_count", std::to_string(read.non_gating_check_count),
+                   std::to_string(naive.non_gating_checks.size()));
     add_difference(found, "failed_checks", shown(failed_names(read)), shown(naive.failed_checks));
     add_difference(found, "non_gating_checks", shown(non_gating_names(read)),
                    shown(naive.non_gating_checks));
@@ -136,4 +155,17 @@ std::string differences(const ReportEntry& read, const NaiveEntry& naive)
         found += "unused slots of non_gating_checks were written\n";
     }
     return found;
+}
+
+bool agree(const ReportEntry& read, const NaiveEntry& naive)
+{
+    return read.kind == naive.kind && read.passed == (naive.passed ? 1 : 0) &&
+           holds(read.analysis_mode, naive.analysis_mode) &&
+           holds(read.analysis_mode_sub, naive.analysis_mode_sub) &&
+           hold(read.failed_checks, read.failed_check_count, naive.failed_checks) &&
+           hold(read.non_gating_checks, read.non_gating_check_count, naive.non_gating_checks) &&
+           holds(read.error, naive.error) &&
+           (read.passed != 0 ||
+            slots_untouched_from(read.failed_checks, read.failed_check_count)) &&
+           slots_untouched_from(read.non_gating_checks, read.non_gating_check_count);
 }
