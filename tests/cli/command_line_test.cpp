@@ -1,6 +1,5 @@
-#include <array>
-#include <deque>
-#include <optional>
+// Single command lines; argument_lists_test.cpp tries them all.
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,71 +64,6 @@ void expect_run(const Parsed& parsed, std::string_view input, std::string_view p
     EXPECT_EQ(parsed.options.page_path, page);
     EXPECT_EQ(parsed.options.wants_json, json);
 }
-
-// What a list of words has to lead to, told by taking words off its front.
-struct Expected
-{
-    CommandLineOutcome outcome = CommandLineOutcome::Run;
-    std::string output;
-    std::string errors;
-    std::optional<std::string> input;
-    std::optional<std::string> page;
-    bool json = false;
-};
-
-Expected expect_from(std::deque<std::string> words)
-{
-    Expected expected;
-    while (!words.empty()) {
-        const std::string word = words.front();
-        words.pop_front();
-        if ((word == "--input" || word == "-o") && !words.empty()) {
-            (word == "-o" ? expected.page : expected.input) = words.front();
-            words.pop_front();
-        } else if (word == "--json") {
-            expected.json = true;
-        } else if (word == "--version") {
-            expected.outcome = CommandLineOutcome::Answered;
-            expected.output = VERSION_LINE;
-            return expected;
-        } else if (word == "--help" || word == "-h") {
-            expected.outcome = CommandLineOutcome::Answered;
-            expected.output = USAGE;
-            return expected;
-        } else {
-            expected.outcome = CommandLineOutcome::Rejected;
-            expected.errors = unrecognized_message(word);
-            return expected;
-        }
-    }
-    if (!expected.input.has_value() || !expected.page.has_value()) {
-        expected.outcome = CommandLineOutcome::Rejected;
-        expected.errors = missing_options_message();
-    }
-    return expected;
-}
-
-void expect_same(const std::vector<const char*>& words)
-{
-    std::string shown;
-    for (const char* word : words) {
-        shown += " [" + std::string(word) + "]";
-    }
-    SCOPED_TRACE("arguments:" + shown);
-    const Parsed parsed = parse(words);
-    const Expected expected = expect_from({words.begin(), words.end()});
-    ASSERT_EQ(parsed.outcome, expected.outcome);
-    ASSERT_EQ(parsed.output, expected.output);
-    ASSERT_EQ(parsed.errors, expected.errors);
-    if (expected.outcome == CommandLineOutcome::Run) {
-        ASSERT_EQ(parsed.options.input_dir, expected.input.value());
-        ASSERT_EQ(parsed.options.page_path, expected.page.value());
-        ASSERT_EQ(parsed.options.wants_json, expected.json);
-    }
-}
-
-constexpr std::array<const char*, 8> VOCABULARY = {"--input", "-o", "--json", "--version",
-                                                   "--help",  "-h", "x",      ""};
 
 } // namespace
 
@@ -266,33 +200,4 @@ TEST(CommandLine, TheUnrecognizedArgumentIsShownByteForByte)
     expect_rejected(parse({hostile}), unrecognized_message(hostile));
     const std::string longest(100000, 'x');
     expect_rejected(parse({longest.c_str()}), unrecognized_message(longest));
-}
-
-TEST(CommandLine, EveryListOfUpToThreeWordsAgreesWithTheModel)
-{
-    expect_same({});
-    for (const char* first : VOCABULARY) {
-        expect_same({first});
-        for (const char* second : VOCABULARY) {
-            expect_same({first, second});
-            for (const char* third : VOCABULARY) {
-                expect_same({first, second, third});
-                ASSERT_FALSE(HasFatalFailure());
-            }
-        }
-    }
-}
-
-// Three words never make a run, so the lists that can are put together here.
-TEST(CommandLine, EveryTwoWordsBeforeInsideAndAfterACompleteCommandLineAgreeWithTheModel)
-{
-    for (const char* first : VOCABULARY) {
-        for (const char* second : VOCABULARY) {
-            expect_same({first, second, "--input", "d", "-o", "s.html"});
-            expect_same({"--input", "d", first, second, "-o", "s.html"});
-            expect_same({"--input", "d", "-o", "s.html", first, second});
-            expect_same({"--input", first, "-o", second});
-            ASSERT_FALSE(HasFatalFailure());
-        }
-    }
 }
