@@ -1,0 +1,50 @@
+// A file system that exists in memory only, so that tests may make folders anywhere,
+// below "/" too, and find out what was made.
+//
+// Test programs that use it are linked with --wrap for mkdir and stat, so the calls
+// that our own objects make go to it while one lives, and to the system otherwise.
+
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+// Folders and files without contents, by absolute path; the root is "". One at a time.
+// Paths mean what they mean to the system: "/" alone separates, and "." and ".." lead
+// through folders that must exist.
+class MemoryFileSystem
+{
+public:
+    enum class Kind
+    {
+        Folder,
+        ReadOnlyFolder,
+        File
+    };
+    using Tree = std::map<std::string, Kind>;
+
+    // The tree holds the current folder and everything above its entries.
+    MemoryFileSystem(Tree tree, std::string current_folder);
+    ~MemoryFileSystem();
+    MemoryFileSystem(const MemoryFileSystem&) = delete;
+    MemoryFileSystem& operator=(const MemoryFileSystem&) = delete;
+
+    const Tree& tree() const;
+
+    // As the system calls of these names: 0, or the number of the error.
+    int find(const std::string& path, Kind& kind) const;
+    int make_folder(const std::string& path);
+
+    // Whether each folder was made with these permissions, before the umask.
+    bool all_made_with(unsigned permissions) const;
+    void note_permissions(unsigned permissions);
+
+private:
+    // Where path leads, whether there is something or not.
+    int follow(const std::string& path, std::string& place) const;
+
+    Tree tree_;
+    std::string current_folder_;
+    std::vector<unsigned> permissions_;
+};
