@@ -173,8 +173,7 @@ const std::array<Scope, 5> SCOPES = {{
      "<div class=\"k\">Overall Verdict</div><div class=\"k\">Analysis Mode</div>\n", MODE_FRAGMENTS,
      "", 2},
     {"an errored report's paragraph",
-     "<div class=\"k\">Overall Verdict</div><div class=\"v\">ERROR<p class=\"run-error\">",
-     ERROR_FRAGMENTS, "</p>", 2},
+     "<div class=\"k\">Overall Verdict</div><div class=\"v\">ERROR", ERROR_FRAGMENTS, "</p>", 2},
 }};
 
 void judge_sequences(const Scope& scope, int length, Share share, SequenceTally& tally)
