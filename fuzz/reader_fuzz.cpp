@@ -1,0 +1,136 @@
+// The report reader against the tests' naive one.
+//
+// An input: whether a document follows as it is or in short form, whose words are the
+// reader's markers and what nearly is one, and the document.
+
+#include <array>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "report/entry_comparison.h"
+#include "report/naive_scraper.h"
+#include "report/read_analyze_report.h"
+#include "support/input.h"
+#include "support/poison.h"
+#include "support/require.h"
+#include "support/target.h"
+
+namespace {
+
+constexpr std::uint8_t AS_IT_IS = 1;
+
+constexpr std::array<std::string_view, 44> WORDS = {
+    "<div class=\"k\">Overall Verdict</div>",
+    "<div class=\"v\">",
+    "PASS",
+    "ERROR",
+    "FAIL",
+    "</div>",
+    "<p class=\"run-error\">",
+    "</p>",
+    "<nav class=\"nav-tabs\">",
+    "</nav>",
+    "<a ",
+    ">",
+    "</a>",
+    " data-fail",
+    " data-nongating",
+    "<div class=\"k\">Analysis Mode</div>\n",
+    "<div class=\"kpi-sub\">",
+    "\n",
+    "&amp;",
+    "&lt;",
+    "&gt;",
+    "&quot;",
+    "&#39;",
+    "<a data-fail>x</a>",
+    "<a data-fail data-nongating>y</a>",
+    "<a class=\"tab\">z</a>",
+    "<div class=\"k\">Overall Verdict</div>\n<div class=\"v\">FAIL</div>\n",
+    "<div class=\"k\">Overall Verdict</div>\n<div class=\"v\">PASS</div>\n",
+    "<div class=\"k\">Overall Verdict</div>\n<div class=\"v\">ERROR</div>\n",
+    "<div class=\"k\">Analysis Mode</div>\n<div class=\"v\">Mode</div>\n<div "
+    "class=\"kpi-sub\">Sub</div>\n",
+    "<div class=\"k\">Analysis Mode</div>\r\n",
+    "<div class=\"k\">Overall Verdic",
+    "<nav class=\"nav-tabs",
+    "<p class=\"run-err",
+    "<div class=\"",
+    "<a\t",
+    "<A ",
+    "data-fail",
+    " data-fai",
+    " data-nongatin",
+    "O",
+    "Overall Verdict",
+    std::string_view("\0", 1),
+    "\xc3\xa9"};
+
+constexpr std::size_t TEXT_SIZE = 3000;
+
+// A document in a heap block that ends with its NUL; what follows a NUL inside must not
+// be looked at either.
+class Document
+{
+public:
+    explicit Document(std::string_view bytes) : block_(new char[bytes.size() + 1])
+    {
+        bytes.copy(block_.get(), bytes.size());
+        block_[bytes.size()] = '\0';
+        hidden_ = block_.get() + std::strlen(block_.get()) + 1;
+        hidden_size_ = static_cast<std::size_t>(block_.get() + bytes.size() + 1 - hidden_);
+        poison(hidden_, hidden_size_);
+    }
+
+    ~Document()
+    {
+        unpoison(hidden_, hidden_size_);
+    }
+
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    const char* text() const
+    {
+        return block_.get();
+    }
+
+private:
+    std::unique_ptr<char[]> block_;
+    char* hidden_;
+    std::size_t hidden_size_;
+};
+
+void judge(std::string_view bytes)
+{
+    constexpr char PATH[] = "a/r.html";
+    static ReportEntry entry;
+    std::memset(&entry, OLD_BYTE, sizeof entry);
+    {
+        const Document document(bytes);
+        scrape_analyze_report(document.text(), PATH, entry);
+    }
+    const NaiveEntry naive = naive_scrape(std::string(bytes));
+    std::string faults = faults_of(entry);
+    require(faults.empty(), faults.c_str());
+    require(entry.relative_path == PATH, "the path is the one that was given");
+    faults = differences(entry, naive);
+    require(faults.empty(), faults.c_str());
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static std::array<char, TEXT_SIZE> text;
+    Input input(data, size);
+    const std::uint8_t options = input.byte();
+    const auto rest = input.take_rest();
+    if ((options & AS_IT_IS) != 0) {
+        judge({reinterpret_cast<const char*>(rest.data()), rest.size()});
+    } else {
+        judge({text.data(), expand(rest, WORDS, text)});
+    }
+    return 0;
+}
