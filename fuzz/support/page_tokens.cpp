@@ -1,0 +1,223 @@
+#include "support/page_tokens.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "support/require.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view DOCTYPE = "<!doctype html>";
+
+struct Element
+{
+    std::string_view name;
+    std::string_view attributes; // those that may stand on it, each between two blanks
+};
+
+constexpr std::array<Element, 29> ELEMENTS = {{
+    {"td", " style "},
+    {"tr", ""},
+    {"wbr", ""},
+    {"a", " href "},
+    {"span", " class style "},
+    {"div", " class "},
+    {"th", " style "},
+    {"small", ""},
+    {"br", ""},
+    {"p", " class "},
+    {"table", " class data-page-size "},
+    {"thead", ""},
+    {"tbody", ""},
+    {"section", " class id "},
+    {"h3", ""},
+    {"button", " type class id aria-label data-dt-prev data-dt-next "},
+    {"html", " lang "},
+    {"head", ""},
+    {"meta", " charset name content "},
+    {"title", ""},
+    {"style", ""},
+    {"script", ""},
+    {"body", ""},
+    {"b", ""},
+    {"footer", ""},
+    {"svg", " class viewBox fill xmlns stroke stroke-width stroke-linecap stroke-linejoin "},
+    {"circle", " cx cy r stroke stroke-width "},
+    {"path", " d stroke stroke-width stroke-linecap stroke-linejoin fill "},
+    {"line", " x1 y1 x2 y2 stroke stroke-width stroke-linecap "},
+}};
+
+struct Reference
+{
+    std::string_view name;
+    std::string_view bytes;
+};
+
+constexpr std::array<Reference, 7> REFERENCES = {{{"&amp;", "&"},
+                                                  {"&lt;", "<"},
+                                                  {"&gt;", ">"},
+                                                  {"&quot;", "\""},
+                                                  {"&#39;", "'"},
+                                                  {"&mdash;", "\xe2\x80\x94"},
+                                                  {"&middot;", "\xc2\xb7"}}};
+
+bool is_name_byte(char byte)
+{
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= '0' && byte <= '9') || byte == '-';
+}
+
+std::string_view take_name(std::string_view& text)
+{
+    std::size_t length = 0;
+    while (length < text.size() && is_name_byte(text[length])) {
+        ++length;
+    }
+    require(length > 0, "a name stands where one is due");
+    const std::string_view name = text.substr(0, length);
+    text.remove_prefix(length);
+    return name;
+}
+
+bool take(std::string_view& text, std::string_view expected)
+{
+    if (!text.starts_with(expected)) {
+        return false;
+    }
+    text.remove_prefix(expected.size());
+    return true;
+}
+
+std::string_view take_until(std::string_view& text, std::string_view end)
+{
+    const std::size_t length = text.find(end);
+    require(length != text.npos, "what is begun is ended");
+    const std::string_view taken = text.substr(0, length);
+    text.remove_prefix(length);
+    return taken;
+}
+
+bool is_one_of(std::string_view name, std::string_view names)
+{
+    for (std::size_t at = names.find(name); at != names.npos; at = names.find(name, at + 1)) {
+        if (names[at - 1] == ' ' && names[at + name.size()] == ' ') {
+            return true;
+        }
+    }
+    return false;
+}
+
+const Element& element_named(std::string_view name)
+{
+    const auto* found = std::find_if(ELEMENTS.begin(), ELEMENTS.end(),
+                                     [&](const Element& element) { return element.name == name; });
+    require(found != ELEMENTS.end(), "an element is one of the page's");
+    return *found;
+}
+
+void judge_attributes(const Token& token)
+{
+    const Element& element = element_named(token.name);
+    std::string_view rest = token.attributes;
+    while (!rest.empty()) {
+        require(take(rest, " "), "a blank stands before an attribute");
+        require(is_one_of(take_name(rest), element.attributes),
+                "an attribute is one of the page's");
+        if (take(rest, "=\"")) {
+            const std::string_view value = take_until(rest, "\"");
+            require(value.find('<') == value.npos, "no markup in an attribute's value");
+            static_cast<void>(take(rest, "\""));
+        }
+    }
+}
+
+bool is_void(std::string_view name)
+{
+    return name == "wbr" || name == "br" || name == "meta";
+}
+
+} // namespace
+
+Token PageTokens::tag()
+{
+    if (take(rest_, "</")) {
+        const Token token = {TokenKind::Close, take_name(rest_), {}, {}, false};
+        require(take(rest_, ">"), "an end tag ends behind its name");
+        return token;
+    }
+    require(take(rest_, "<"), "a tag begins");
+    Token token = {TokenKind::Open, take_name(rest_), take_until(rest_, ">"), {}, false};
+    rest_.remove_prefix(1);
+    if (token.attributes.ends_with('/')) {
+        token.attributes.remove_suffix(1);
+        token.closes_itself = true;
+    }
+    if (token.name == "style" || token.name == "script") {
+        raw_ = token.name;
+    }
+    return token;
+}
+
+Token PageTokens::next()
+{
+    static_cast<void>(take(rest_, DOCTYPE));
+    if (rest_.empty()) {
+        return {TokenKind::End, {}, {}, {}, false};
+    }
+    if (!raw_.empty()) {
+        const std::string_view text = take_until(rest_, raw_ == "style" ? "</style" : "</script");
+        raw_ = {};
+        return {TokenKind::Text, {}, {}, text, false};
+    }
+    if (rest_[0] == '<') {
+        return tag();
+    }
+    const std::string_view text = rest_.substr(0, rest_.find('<'));
+    rest_.remove_prefix(text.size());
+    require(text.find_first_of(">\"'"sv) == text.npos, "no markup in a text");
+    return {TokenKind::Text, {}, {}, text, false};
+}
+
+std::size_t decode_page_text(std::string_view text, char* decoded)
+{
+    std::size_t length = 0;
+    while (!text.empty()) {
+        std::string_view bytes = text.substr(0, text.find('&'));
+        text.remove_prefix(bytes.size());
+        if (bytes.empty()) {
+            const auto* found =
+                std::find_if(REFERENCES.begin(), REFERENCES.end(), [&](const Reference& reference) {
+                    return take(text, reference.name);
+                });
+            require(found != REFERENCES.end(), "each & begins a reference that the page uses");
+            bytes = found->bytes;
+        }
+        bytes.copy(decoded + length, bytes.size());
+        length += bytes.size();
+    }
+    return length;
+}
+
+void judge_page_markup(std::string_view page)
+{
+    std::array<std::string_view, 32> open;
+    std::size_t depth = 0;
+    require(page.starts_with(DOCTYPE), "a page begins with its doctype");
+    PageTokens tokens(page);
+    for (Token token = tokens.next(); token.kind != TokenKind::End; token = tokens.next()) {
+        if (token.kind == TokenKind::Open) {
+            judge_attributes(token);
+            if (!is_void(token.name) && !token.closes_itself) {
+                require(depth < open.size(), "elements lie in each other so deep");
+                open[depth++] = token.name;
+            }
+        } else if (token.kind == TokenKind::Close) {
+            require(depth > 0 && open[depth - 1] == token.name, "elements are well nested");
+            --depth;
+        }
+    }
+    require(depth == 0, "every element is closed");
+}
