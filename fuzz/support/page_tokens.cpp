@@ -84,7 +84,7 @@ std::string_view take_name(std::string_view& text)
 
 bool take(std::string_view& text, std::string_view expected)
 {
-    if (!text.starts_with(expected)) {
+    if (!same_text(text.substr(0, expected.size()), expected)) {
         return false;
     }
     text.remove_prefix(expected.size());
@@ -100,20 +100,25 @@ std::string_view take_until(std::string_view& text, std::string_view end)
     return taken;
 }
 
+// names stand between blanks, one before the first and one behind the last.
 bool is_one_of(std::string_view name, std::string_view names)
 {
-    for (std::size_t at = names.find(name); at != names.npos; at = names.find(name, at + 1)) {
-        if (names[at - 1] == ' ' && names[at + name.size()] == ' ') {
+    while (names.size() > 1) {
+        names.remove_prefix(1);
+        const std::size_t length = names.find(' ');
+        if (same_text(names.substr(0, length), name)) {
             return true;
         }
+        names.remove_prefix(length);
     }
     return false;
 }
 
 const Element& element_named(std::string_view name)
 {
-    const auto* found = std::find_if(ELEMENTS.begin(), ELEMENTS.end(),
-                                     [&](const Element& element) { return element.name == name; });
+    const auto* found = std::find_if(ELEMENTS.begin(), ELEMENTS.end(), [&](const Element& element) {
+        return same_text(element.name, name);
+    });
     require(found != ELEMENTS.end(), "an element is one of the page's");
     return *found;
 }
@@ -136,10 +141,26 @@ void judge_attributes(const Token& token)
 
 bool is_void(std::string_view name)
 {
-    return name == "wbr" || name == "br" || name == "meta";
+    return same_text(name, "wbr") || same_text(name, "br") || same_text(name, "meta");
 }
 
 } // namespace
+
+PageTokens::PageTokens(std::string_view page) : rest_(page)
+{
+    require(take(rest_, DOCTYPE), "a page begins with its doctype");
+}
+
+void PageTokens::nest(const Token& token)
+{
+    if (token.kind == TokenKind::Close) {
+        require(depth_ > 0 && same_text(open_[depth_ - 1], token.name), "elements are well nested");
+        --depth_;
+    } else if (!is_void(token.name) && !token.closes_itself) {
+        require(depth_ < open_.size(), "elements lie in each other no deeper");
+        open_[depth_++] = token.name;
+    }
+}
 
 Token PageTokens::tag()
 {
@@ -155,7 +176,8 @@ Token PageTokens::tag()
         token.attributes.remove_suffix(1);
         token.closes_itself = true;
     }
-    if (token.name == "style" || token.name == "script") {
+    judge_attributes(token);
+    if (same_text(token.name, "style") || same_text(token.name, "script")) {
         raw_ = token.name;
     }
     return token;
@@ -163,8 +185,8 @@ Token PageTokens::tag()
 
 Token PageTokens::next()
 {
-    static_cast<void>(take(rest_, DOCTYPE));
     if (rest_.empty()) {
+        require(depth_ == 0, "every element is closed");
         return {TokenKind::End, {}, {}, {}, false};
     }
     if (!raw_.empty()) {
@@ -173,7 +195,9 @@ Token PageTokens::next()
         return {TokenKind::Text, {}, {}, text, false};
     }
     if (rest_[0] == '<') {
-        return tag();
+        const Token token = tag();
+        nest(token);
+        return token;
     }
     const std::string_view text = rest_.substr(0, rest_.find('<'));
     rest_.remove_prefix(text.size());
@@ -199,25 +223,4 @@ std::size_t decode_page_text(std::string_view text, char* decoded)
         length += bytes.size();
     }
     return length;
-}
-
-void judge_page_markup(std::string_view page)
-{
-    std::array<std::string_view, 32> open;
-    std::size_t depth = 0;
-    require(page.starts_with(DOCTYPE), "a page begins with its doctype");
-    PageTokens tokens(page);
-    for (Token token = tokens.next(); token.kind != TokenKind::End; token = tokens.next()) {
-        if (token.kind == TokenKind::Open) {
-            judge_attributes(token);
-            if (!is_void(token.name) && !token.closes_itself) {
-                require(depth < open.size(), "elements lie in each other so deep");
-                open[depth++] = token.name;
-            }
-        } else if (token.kind == TokenKind::Close) {
-            require(depth > 0 && open[depth - 1] == token.name, "elements are well nested");
-            --depth;
-        }
-    }
-    require(depth == 0, "every element is closed");
 }
