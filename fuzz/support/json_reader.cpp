@@ -25,7 +25,7 @@ void JsonReader::string(std::string_view expected)
     punctuation('"');
     std::size_t end = 0;
     while (end < rest_.size() && rest_[end] != '"') {
-        end += rest_[end] == '\\' ? 2 : 1;
+        end += std::size_t{rest_[end] == '\\' ? 2U : 1U};
     }
     require(end < rest_.size(), "a string ends");
     require(end <= decoded.size(), "no string is that long");
