@@ -6,13 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include "cli/deep_tree.h"
 #include "cli/expected_texts.h"
+#include "cli/process_limits.h"
 #include "cli/program_run.h"
 #include "cli/sample_reports.h"
 
@@ -445,78 +444,7 @@ TEST_F(Walking, ANameOf255BytesIsListed)
 
 namespace {
 
-// Folders called "d" one in the other below a top folder, made and removed by
-// steps from one folder to the next, since no path to the innermost may be usable.
-class DeepTree
-{
-public:
-    DeepTree(std::string top, int depth) : top_(std::move(top))
-    {
-        int folder = open(top_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        for (int i = 0; i < depth; ++i) {
-            EXPECT_EQ(mkdirat(folder, "d", 0755), 0);
-            const int inner = openat(folder, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            close(folder);
-            folder = inner;
-        }
-        innermost_ = folder;
-        EXPECT_GE(innermost_, 0);
-    }
-
-    ~DeepTree()
-    {
-        close(innermost_);
-        const fs::path top = top_;
-        const fs::path aside = top / "aside";
-        while (fs::exists(top / "d")) {
-            fs::rename(top / "d", aside);
-            if (fs::exists(aside / "d")) {
-                fs::rename(aside / "d", top / "d");
-            }
-            fs::remove_all(aside);
-        }
-    }
-
-    DeepTree(const DeepTree&) = delete;
-    DeepTree& operator=(const DeepTree&) = delete;
-
-    void write_innermost(const std::string& name, const std::string& bytes) const
-    {
-        const int file =
-            openat(innermost_, name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        EXPECT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-        close(file);
-    }
-
-private:
-    std::string top_;
-    int innermost_ = -1;
-};
-
 constexpr rlim_t ORDINARY_STACK = 8388608; // bytes
-
-std::string repeated(std::string_view text, int times)
-{
-    std::string all;
-    for (int i = 0; i < times; ++i) {
-        all += text;
-    }
-    return all;
-}
-
-template <typename Resource>
-void limit(Resource resource, rlim_t soft)
-{
-    rlimit limits = {};
-    if (getrlimit(resource, &limits) != 0) {
-        _exit(126);
-    }
-    limits.rlim_cur = soft;
-    limits.rlim_max = std::max(limits.rlim_max, soft);
-    if (setrlimit(resource, &limits) != 0) {
-        _exit(126);
-    }
-}
 
 } // namespace
 

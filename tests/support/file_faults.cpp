@@ -6,6 +6,8 @@
 
 #include <unistd.h>
 
+#include "support/call_hooks.h"
+
 namespace {
 
 constexpr std::size_t NO_LIMIT = static_cast<std::size_t>(-1);
@@ -39,6 +41,7 @@ off_t __wrap_lseek(int file, off_t offset, int whence);
 
 ssize_t __wrap_pread(int file, void* bytes, std::size_t count, off_t offset)
 {
+    before_file_call(FileCall::Read);
     return is_faulty(FileCall::Read)
                ? static_cast<ssize_t>(faulty_result)
                : __real_pread(file, bytes, std::min(count, transfer_limit), offset);
@@ -46,12 +49,14 @@ ssize_t __wrap_pread(int file, void* bytes, std::size_t count, off_t offset)
 
 ssize_t __wrap_write(int file, const void* bytes, std::size_t count)
 {
+    before_file_call(FileCall::Write);
     return is_faulty(FileCall::Write) ? static_cast<ssize_t>(faulty_result)
                                       : __real_write(file, bytes, std::min(count, transfer_limit));
 }
 
 off_t __wrap_lseek(int file, off_t offset, int whence)
 {
+    before_file_call(FileCall::Seek);
     return is_faulty(FileCall::Seek) ? static_cast<off_t>(faulty_result)
                                      : __real_lseek(file, offset, whence);
 }

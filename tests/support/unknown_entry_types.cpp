@@ -2,6 +2,8 @@
 
 #include <dirent.h>
 
+#include "support/call_hooks.h"
+
 namespace {
 
 bool types_are_unknown = false;
@@ -18,6 +20,7 @@ dirent* __wrap_readdir(DIR* listing)
     if (entry != nullptr && types_are_unknown) {
         entry->d_type = DT_UNKNOWN;
     }
+    after_listing_call(entry != nullptr ? entry->d_name : "");
     return entry;
 }
 }
