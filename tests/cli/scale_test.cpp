@@ -57,7 +57,7 @@ std::string contents_of(unsigned number)
 
 std::string path_of(unsigned number)
 {
-    return "f" + std::to_string(number % FOLDERS) + "/" + std::to_string(number) + ".html";
+    return "f" + std::to_string(number % FOLDERS) + "/report-" + std::to_string(number) + ".html";
 }
 
 std::string expected_line(unsigned number)
@@ -89,7 +89,7 @@ std::string_view between(std::string_view line, std::string_view start, std::str
 unsigned number_in(std::string_view path)
 {
     unsigned number = FILES;
-    const std::string_view digits = between(path, "/", ".html");
+    const std::string_view digits = between(path, "/report-", ".html");
     std::from_chars(digits.data(), digits.data() + digits.size(), number);
     return number;
 }
