@@ -10,9 +10,11 @@
 
 namespace fs = std::filesystem;
 
-TempFolder::TempFolder()
+TempFolder::TempFolder() : TempFolder(fs::temp_directory_path()) {}
+
+TempFolder::TempFolder(const fs::path& parent)
 {
-    std::string pattern = (fs::canonical(fs::temp_directory_path()) / "fthsummary-XXXXXX").string();
+    std::string pattern = (fs::canonical(parent) / "fthsummary-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr || ::chmod(pattern.c_str(), 0755) != 0) {
         std::abort();
     }

@@ -13,7 +13,8 @@
 class TempFolder
 {
 public:
-    TempFolder();
+    TempFolder(); // where temporary files belong
+    explicit TempFolder(const std::filesystem::path& parent);
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;

@@ -1,0 +1,90 @@
+// Which failure comes to what, by what the run is about.
+
+#include "faults/forecast.h"
+
+namespace {
+
+struct Rule
+{
+    Call call;
+    Answer answer;
+    Phase phase;
+    Effect effect;
+};
+
+constexpr Rule RULES[] = {
+    // Memory.
+    {Call::Realloc, Answer::Refuse, Phase::Walk, Effect::NoInput},
+    {Call::Malloc, Answer::Refuse, Phase::Walk, Effect::NoInput},
+    {Call::Malloc, Answer::Refuse, Phase::Entries, Effect::NoMemory},
+    {Call::Malloc, Answer::Refuse, Phase::Reading, Effect::Unreadable},
+    {Call::Malloc, Answer::Refuse, Phase::Page, Effect::NoPage},
+    {Call::Realloc, Answer::Refuse, Phase::Page, Effect::NoPage},
+    {Call::Realloc, Answer::Refuse, Phase::Json, Effect::NoJson},
+    {Call::Madvise, Answer::Refuse, Phase::Reading, Effect::Nothing},
+    {Call::Mallopt, Answer::Refuse, Phase::Start, Effect::Nothing},
+
+    // Listing.
+    {Call::Opendir, Answer::Refuse, Phase::Start, Effect::NoInput},
+    {Call::Opendir, Answer::Refuse, Phase::Walk, Effect::HidesFolder},
+    {Call::Readdir, Answer::Refuse, Phase::Walk, Effect::EndsFolder},
+    {Call::Closedir, Answer::Refuse, Phase::Start, Effect::Nothing},
+    {Call::Closedir, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Walk, Effect::HidesEntry},
+    {Call::Realpath, Answer::Refuse, Phase::Start, Effect::ForgetsPage},
+    {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},
+
+    // Reading.
+    {Call::Snprintf, Answer::Refuse, Phase::Reading, Effect::FormsNoPath},
+    {Call::Open, Answer::Refuse, Phase::Reading, Effect::Unreadable},
+    {Call::Open, Answer::WouldBlock, Phase::Reading, Effect::AsksAgain},
+    {Call::Lseek, Answer::Refuse, Phase::Reading, Effect::Unreadable},
+    {Call::Pread, Answer::Refuse, Phase::Reading, Effect::Unreadable},
+    {Call::Pread, Answer::Short, Phase::Reading, Effect::Nothing},
+    {Call::Pread, Answer::Nothing, Phase::Reading, Effect::Unreadable},
+    {Call::Close, Answer::Refuse, Phase::Reading, Effect::Nothing},
+
+    // Folders. One that cannot be examined is made, and one that is there counts as made.
+    {Call::Stat, Answer::Refuse, Phase::Folders, Effect::Nothing},
+    {Call::Mkdir, Answer::Refuse, Phase::Folders, Effect::NoFolder},
+    {Call::Mkdir, Answer::Exists, Phase::Folders, Effect::ClaimsFolder},
+
+    // The page and the JSON.
+    {Call::Vsnprintf, Answer::Refuse, Phase::Page, Effect::NoPage},
+    {Call::Vsnprintf, Answer::Refuse, Phase::Json, Effect::NoJson},
+    {Call::Realpath, Answer::Refuse, Phase::Page, Effect::BareLinks},
+    {Call::Time, Answer::Refuse, Phase::Page, Effect::OldestTime},
+    {Call::Gmtime, Answer::Refuse, Phase::Page, Effect::NoTime},
+    {Call::Strftime, Answer::Refuse, Phase::Page, Effect::NoTime},
+    {Call::Open, Answer::Refuse, Phase::PageFile, Effect::NoPage},
+    {Call::Open, Answer::WouldBlock, Phase::PageFile, Effect::NoPage},
+    {Call::Write, Answer::Refuse, Phase::PageFile, Effect::CutPage},
+    {Call::Write, Answer::Nothing, Phase::PageFile, Effect::CutPage},
+    {Call::Write, Answer::Short, Phase::PageFile, Effect::Nothing},
+    {Call::Close, Answer::Refuse, Phase::PageFile, Effect::Nothing},
+    {Call::Open, Answer::Refuse, Phase::JsonFile, Effect::NoJson},
+    {Call::Open, Answer::WouldBlock, Phase::JsonFile, Effect::NoJson},
+    {Call::Write, Answer::Refuse, Phase::JsonFile, Effect::CutJson},
+    {Call::Write, Answer::Nothing, Phase::JsonFile, Effect::CutJson},
+    {Call::Write, Answer::Short, Phase::JsonFile, Effect::Nothing},
+    {Call::Close, Answer::Refuse, Phase::JsonFile, Effect::Nothing},
+
+    // Closing lines.
+    {Call::Snprintf, Answer::Refuse, Phase::Closing, Effect::NoErrored},
+};
+
+} // namespace
+
+std::optional<Effect> effect_of(const CallRecord& failed)
+{
+    if (failed.call == Call::Print) {
+        return Effect::LosesLine;
+    }
+    for (const Rule& rule : RULES) {
+        if (rule.call == failed.call && rule.answer == failed.answer &&
+            rule.phase == failed.phase) {
+            return rule.effect;
+        }
+    }
+    return std::nullopt;
+}

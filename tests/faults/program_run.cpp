@@ -1,0 +1,136 @@
+#include "faults/program_run.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "cli/command_line.h"
+#include "cli/run.h"
+#include "core/memory.h"
+
+// AddressSanitizer's settings, where it is there: what one run gives back is kept from
+// being used again, not what a hundred did.
+extern "C" const char* __asan_default_options(); // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __asan_default_options()
+{
+    return "quarantine_size_mb=4:malloc_context_size=8";
+}
+
+namespace {
+
+int replace_stream(int stream, int file)
+{
+    const int real = dup(stream);
+    if (file < 0 || real < 0 || dup2(file, stream) < 0) {
+        std::abort();
+    }
+    return real;
+}
+
+void put_back(int stream, int real, int file)
+{
+    dup2(real, stream);
+    close(real);
+    close(file);
+}
+
+std::string bytes_of(int file)
+{
+    struct stat status = {};
+    if (fstat(file, &status) != 0) {
+        std::abort();
+    }
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    if (pread(file, bytes.data(), bytes.size(), 0) != status.st_size) {
+        std::abort();
+    }
+    return bytes;
+}
+
+std::optional<std::string> file_bytes(const std::string& path)
+{
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return std::nullopt;
+    }
+    std::string bytes = bytes_of(file);
+    close(file);
+    return bytes;
+}
+
+int lowest_free_descriptor()
+{
+    const int file = dup(STDOUT_FILENO);
+    close(file);
+    return file;
+}
+
+// As in main.cpp.
+int run_main(const World& world)
+{
+    const std::array<const char*, 6> words = {"fthsummary", "--input",          INPUT,
+                                              "-o",         world.page.c_str(), "--json"};
+    keep_released_memory();
+    CommandLine options;
+    const CommandLineOutcome outcome =
+        parse_command_line(static_cast<int>(words.size()), words.data(), options);
+    return outcome == CommandLineOutcome::Run ? run_summary(options) : -1;
+}
+
+} // namespace
+
+PrintedText::PrintedText()
+    : output_(memfd_create("output", MFD_CLOEXEC)), errors_(memfd_create("errors", MFD_CLOEXEC))
+{
+    std::fflush(stdout);
+    real_output_ = replace_stream(STDOUT_FILENO, output_);
+    real_errors_ = replace_stream(STDERR_FILENO, errors_);
+}
+
+PrintedText::~PrintedText()
+{
+    std::fflush(stdout);
+    put_back(STDOUT_FILENO, real_output_, output_);
+    put_back(STDERR_FILENO, real_errors_, errors_);
+}
+
+std::string PrintedText::output()
+{
+    std::fflush(stdout);
+    return bytes_of(output_);
+}
+
+std::string PrintedText::errors()
+{
+    return bytes_of(errors_);
+}
+
+Outcome run_program(const World& world, WatchedRun& watched)
+{
+    PrintedText printed;
+    Outcome outcome;
+    const int free_before = lowest_free_descriptor();
+    watched.start();
+    outcome.status = run_main(world);
+    watched.stop();
+    const int free_after = lowest_free_descriptor();
+    outcome.output = printed.output();
+    outcome.errors = printed.errors();
+    if (free_after != free_before) {
+        outcome.errors += "(a descriptor is left open)\n";
+    }
+    outcome.page = file_bytes(world.page);
+    outcome.json = file_bytes(world.json);
+    for (const std::string& folder : world.missing_folders) {
+        struct stat status = {};
+        if (stat(folder.c_str(), &status) == 0) {
+            outcome.folders.push_back(folder);
+        }
+    }
+    return outcome;
+}

@@ -1,0 +1,61 @@
+// The folders that the runs under faults work in.
+//
+// World makes a tree of reports below "in" in a temporary folder, which becomes the
+// current directory for as long as it lives: so every path, and with it every count of
+// calls, is the same wherever temporary folders lie.
+
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "faults/expected_outputs.h"
+#include "support/temp_folder.h"
+
+enum class Scene
+{
+    NoOlderPage,    // beside the tree; its folder is there
+    OlderPage,      // inside the tree, with an older page and older JSON
+    MissingFolders, // three folders above it are missing
+    ManyReports,    // as NoOlderPage, with a list of several megabytes
+};
+const char* name_of(Scene scene);
+
+inline constexpr char INPUT[] = "in";
+
+class World
+{
+public:
+    explicit World(Scene scene);
+    ~World();
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+
+    // Makes the outputs what they were before the first run.
+    void reset() const;
+
+    std::string page; // as typed
+    std::string json;
+    std::string link_prefix;                  // from the page's folder to INPUT, with "/"
+    std::map<std::string, KnownFile> files;   // by their path below INPUT, links included
+    std::set<std::string> page_names;         // those of files that are the older page
+    std::vector<std::string> missing_folders; // outermost first
+    std::optional<std::string> older_page;
+    std::optional<std::string> older_json;
+
+    // Everything in the temporary folder.
+    std::vector<std::string> names() const;
+
+private:
+    void add(const std::string& path, const KnownFile& file);
+    void add_tree();
+    void add_oddities();
+    void add_older_outputs();
+
+    TempFolder temp_;
+    std::filesystem::path before_;
+};
