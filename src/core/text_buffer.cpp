@@ -30,6 +30,21 @@ bool grow(TextBuffer& buffer, std::uint64_t extra)
     return true;
 }
 
+// Formats a text of the given length into the room behind the text.
+// False: the C library did not do again what it did when it measured the text.
+__attribute__((format(printf, 3, 0))) bool format_at_end(TextBuffer& buffer, int length,
+                                                         const char* format, va_list values)
+{
+    const std::size_t text_length = static_cast<std::size_t>(length);
+    char* end = buffer.data + buffer.length;
+    if (std::vsnprintf(end, text_length + 1, format, values) != length) {
+        *end = '\0';
+        return false;
+    }
+    buffer.length += text_length;
+    return true;
+}
+
 } // namespace
 
 void text_buffer_init(TextBuffer& buffer)
@@ -80,11 +95,7 @@ bool text_buffer_appendf(TextBuffer& buffer, const char* format, ...)
     const int length = std::vsnprintf(nullptr, 0, format, measured);
     va_end(measured);
     const bool fits = length >= 0 && grow(buffer, static_cast<std::uint64_t>(length));
-    if (fits) {
-        const std::size_t text_length = static_cast<std::size_t>(length);
-        std::vsnprintf(buffer.data + buffer.length, text_length + 1, format, values);
-        buffer.length += text_length;
-    }
+    const bool appended = fits && format_at_end(buffer, length, format, values);
     va_end(values);
-    return fits;
+    return appended;
 }

@@ -6,7 +6,8 @@
 //     block of capacity bytes with length + 1 <= capacity and data[length] NUL;
 //   - capacity is 0 or 256 times a power of two;
 //   - an append that returns false has changed nothing: data, length, capacity
-//     and the text are as before, and the buffer still owns its block.
+//     and the text are as before, and the buffer still owns its block (after a text
+//     that could not be formatted, the block may be larger).
 //
 // A text that is appended must not lie in the buffer's own block, which may move.
 //

@@ -22,6 +22,7 @@ const std::vector<FaultKind>& fault_kinds()
         {Call::Mkdir, Answer::Refuse, {0, 0, 3, 0}},
         {Call::Mkdir, Answer::Exists, {0, 0, 3, 0}},
         {Call::Realpath, Answer::Refuse, {3, 6, 3, 0}},
+        {Call::Vsnprintf, Answer::Refuse, {14, 14, 14, 0}},
         {Call::Snprintf, Answer::Refuse, {143, 143, 143, 0}},
         {Call::Print, Answer::Refuse, {2, 2, 2, 0}},
         {Call::Time, Answer::Refuse, {1, 1, 1, 0}},

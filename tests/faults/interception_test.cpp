@@ -145,6 +145,24 @@ TEST(Interception, EveryWrappedNameThatTheProgramCallsIsSeen)
     EXPECT_EQ(seen, 24U);
 }
 
+TEST(Interception, EveryKindOfCallHasItsPlaceInTheMatrix)
+{
+    for (const Scene scene : {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders}) {
+        const World world(scene);
+        const Reference reference(world);
+        Names missing;
+        for (const CallRecord& record : reference.trace) {
+            missing.insert(name_of(record.call));
+        }
+        for (const FaultKind& kind : fault_kinds()) {
+            if (kind.floors[static_cast<std::size_t>(scene)] > 0) {
+                missing.erase(name_of(kind.call));
+            }
+        }
+        EXPECT_EQ(missing, Names()) << name_of(scene);
+    }
+}
+
 TEST(Interception, EveryBufferGrowsAtLeastTwice)
 {
     const World world(Scene::NoOlderPage);
