@@ -532,6 +532,18 @@ TEST(PageFolders, WithoutPermissionNothingIsCreated)
     EXPECT_EQ(temp.names(), Names{"closed"});
 }
 
+// A backslash ends a level, so the folder "a" is asked for although "a\\b" is all that
+// the page needs.
+TEST(PageFolders, AFolderOnTheWayThatCannotBeCreatedFailsAlthoughTheLastOneExists)
+{
+    const TempFolder temp;
+    temp.make_folder("closed/a\\b");
+    temp.chmod("closed", 0555);
+    EXPECT_FALSE(create_folders_in(temp, "closed/a\\b/s.html"));
+    EXPECT_TRUE(create_folders_in(temp, "closed/s.html"));
+    EXPECT_EQ(temp.names(), (Names{"closed", "closed/a\\b"}));
+}
+
 TEST(PageFolders, WithoutPermissionToLookInsideNothingIsCreated)
 {
     const TempFolder temp;
