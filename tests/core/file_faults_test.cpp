@@ -85,8 +85,10 @@ TEST_F(FileFaults, ShortReadsAddUpToTheWholeFile)
 TEST_F(FileFaults, ASeekToTheEndThatFailsRefusesTheFile)
 {
     const FileFault fault(FileCall::Seek, 1, -1);
+    const std::uint64_t allocations = allocation_count();
     EXPECT_EQ(read(), "(refused)");
     EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(allocation_count(), allocations);
 }
 
 TEST_F(FileFaults, ASizeToWhichNothingCanBeAddedRefusesTheFile)
@@ -96,6 +98,15 @@ TEST_F(FileFaults, ASizeToWhichNothingCanBeAddedRefusesTheFile)
     EXPECT_EQ(read(), "(refused)");
     EXPECT_TRUE(fault.happened());
     EXPECT_EQ(allocation_count(), allocations);
+}
+
+// What is asked for beyond the size would land behind the block.
+TEST_F(FileFaults, AFileThatGrowsMeanwhileGivesTheBytesOfTheSizeThatItHad)
+{
+    const FileFault fault(FileCall::Seek, 1, 4);
+    const ShortTransfers transfers(3);
+    EXPECT_EQ(read(), "twel");
+    EXPECT_TRUE(fault.happened());
 }
 
 TEST_F(FileFaults, AWriteThatFailsIsToldAndLeavesAnEmptyFile)

@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -245,6 +246,40 @@ TEST(ReadWholeFile, AllocatesTheSizePlusOneByteOnce)
     EXPECT_EQ(allocation_count(), before + 1);
 }
 
+// Blocks of 24 bytes are the largest of their class: one byte more would show.
+TEST(ReadWholeFile, AllocatesNoByteMoreThanTheSizePlusOne)
+{
+    const TempFolder temp;
+    temp.write("file", std::string(23, 'x'));
+    char* contents = nullptr;
+    ASSERT_TRUE(read_whole_file(temp.path("file").c_str(), contents));
+    void* const block = std::malloc(24);
+    EXPECT_EQ(malloc_usable_size(contents), malloc_usable_size(block));
+    std::free(block);
+    std::free(contents);
+}
+
+// A file whose descriptor is 0 is open, and what an earlier call left in errno says
+// nothing about this one.
+TEST(ReadWholeFile, OpensTheFileOnceWhateverErrnoHolds)
+{
+    const TempFolder temp;
+    temp.write("file", "x");
+    const int status = run_unprivileged([&] {
+        close(STDIN_FILENO);
+        char* contents = nullptr;
+        for (const int left_over : {EWOULDBLOCK, 0}) {
+            errno = left_over;
+            if (!read_whole_file(temp.path("file").c_str(), contents)) {
+                return 2;
+            }
+            std::free(contents);
+        }
+        return open("/dev/null", O_RDONLY) == STDIN_FILENO ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+}
+
 TEST(ReadWholeFile, OfAFifoFailsAtOnceWithAndWithoutAWriter)
 {
     const TempFolder temp;
@@ -360,6 +395,23 @@ TEST(ReadWholeFile, WithoutAFreeDescriptorFails)
             return 2;
         }
         return refuses_to_read(temp.path("file").c_str()) ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+}
+
+// A process that leads a session takes the first terminal that it opens as its own.
+TEST(ReadWholeFile, DoesNotTakeATerminalAsItsOwn)
+{
+    const int status = run_unprivileged([] {
+        const int master = posix_openpt(O_RDWR | O_NOCTTY);
+        if (setsid() < 0 || master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) {
+            return 2;
+        }
+        char* contents = nullptr;
+        if (read_whole_file(ptsname(master), contents)) {
+            return 3;
+        }
+        return open("/dev/tty", O_RDWR) >= 0 || errno != ENXIO ? 1 : 0;
     });
     EXPECT_EQ(status, 0);
 }
@@ -539,6 +591,14 @@ TEST(IsDirectory, IsTrueForFoldersAndFalseForFilesAndMissingPaths)
           temp.path("file/below"), std::string("/dev/null"), std::string()}) {
         EXPECT_FALSE(is_directory(path.c_str())) << path;
     }
+}
+
+TEST(IsDirectory, IsFalseForAFileWithEveryPermission)
+{
+    const TempFolder temp;
+    temp.write("file", "");
+    temp.chmod("file", 07777);
+    EXPECT_FALSE(is_directory(temp.path("file").c_str()));
 }
 
 TEST(IsDirectory, TestsTheDirectoryBitAloneSoASocketCounts)

@@ -1,15 +1,21 @@
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <string>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include "core/memory.h"
 
 namespace {
+
+// What the allocator was told.
+std::map<int, int> malloc_options;
 
 constexpr std::size_t LARGE_PAGE = std::size_t{2} << 20U;
 
@@ -70,6 +76,24 @@ private:
     std::size_t size_;
     char* block_;
 };
+
+} // namespace
+
+// Takes the C library's place, whose settings cannot be read back.
+int mallopt(int option, int value) noexcept
+{
+    malloc_options[option] = value;
+    return 1;
+}
+
+namespace {
+
+TEST(KeepReleasedMemory, SetsNoLimitToWhatIsKept)
+{
+    keep_released_memory();
+    const std::map<int, int> expected = {{M_MMAP_THRESHOLD, INT_MAX}, {M_TRIM_THRESHOLD, INT_MAX}};
+    EXPECT_EQ(malloc_options, expected);
+}
 
 TEST(PreferLargePages, AsksForTheWholeLargePagesInsideTheBlock)
 {
