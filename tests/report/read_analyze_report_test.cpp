@@ -345,6 +345,15 @@ TEST(ReadAnalyzeReport, ATabBarAfterTheModeFigureWithoutACloseIsNoReasonToLoseTh
     EXPECT_STREQ(entry.analysis_mode, "Loopback");
 }
 
+TEST(ReadAnalyzeReport, ATextThatBeginsInsideTheLabelIsNoReport)
+{
+    const std::string report = verdict("PASS");
+    for (std::size_t cut = 1; cut <= report.size(); ++cut) {
+        SCOPED_TRACE(cut);
+        expect_empty(scrape(report.substr(cut)), ReportKind::NotAnalyzeReport);
+    }
+}
+
 TEST(ReadAnalyzeReport, ACutAnywhereInTheTenLinesGivesASoundEntry)
 {
     const std::string whole = TEN_LINES;

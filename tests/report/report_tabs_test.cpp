@@ -67,6 +67,18 @@ TEST(ReportTabs, ABarWithoutItsEndYieldsNoNamesAtAll)
     expect_names("</nav>" + BAR + gating_tab("Level"), {}, {});
 }
 
+TEST(ReportTabs, ATabWhoseTagNeverClosesHasNoNameWhateverStandsBefore)
+{
+    expect_names(BAR + "</a><a data-fail</nav>", {}, {});
+    expect_names(BAR + gating_tab("Level") + "<a data-fail</nav>", {"Level"}, {});
+}
+
+TEST(ReportTabs, ANameThatEndsLikeTheStartOfATabHidesNoTab)
+{
+    expect_first_name(gating_tab("One<a "), "One<a ");
+    expect_first_name(gating_tab("<a "), "<a ");
+}
+
 TEST(ReportTabs, AnEmptyBarYieldsNoNames)
 {
     expect_names(bar(""), {}, {});

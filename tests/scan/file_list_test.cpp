@@ -1,9 +1,11 @@
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "scan/file_list.h"
 #include "support/allocation_faults.h"
@@ -103,6 +105,16 @@ TEST(FileList, StartsWith64SlotsAndDoublesOnlyWhenFull)
         fill(list, row.count);
         expect_numbered(list, row.count, row.capacity);
     }
+}
+
+// Blocks of 24 bytes are the largest of their class: one byte more would show.
+TEST(FileList, ACopyTakesThePathsBytesAndItsNul)
+{
+    List list;
+    ASSERT_TRUE(file_list_append(list, std::string(23, 'p')));
+    void* const block = std::malloc(24);
+    EXPECT_EQ(malloc_usable_size(list.paths[0]), malloc_usable_size(block));
+    std::free(block);
 }
 
 TEST(FileList, AllocatesOneCopyAPathAndTheArrayOnlyWhenItGrows)
