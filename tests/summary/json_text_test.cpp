@@ -33,7 +33,7 @@ std::string string_array(const std::vector<std::string>& names)
 
 TEST(JsonAppendEscaped, GivesEveryByteItsForm)
 {
-    for (int byte = 0x01; byte <= 0xff; ++byte) {
+    for (int byte = 0x00; byte <= 0xff; ++byte) {
         const std::string text(1, static_cast<char>(byte));
         std::string expected = text;
         if (byte == '\t') {
