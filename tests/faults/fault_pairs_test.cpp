@@ -67,7 +67,8 @@ std::string name_of_scene(const testing::TestParamInfo<Scene>& named)
     return name_of(named.param);
 }
 
-constexpr Scene SCENES[] = {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders};
+constexpr Scene SCENES[] = {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders,
+                            Scene::AllPassed};
 
 } // namespace
 

@@ -147,7 +147,8 @@ TEST(Interception, EveryWrappedNameThatTheProgramCallsIsSeen)
 
 TEST(Interception, EveryKindOfCallHasItsPlaceInTheMatrix)
 {
-    for (const Scene scene : {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders}) {
+    for (const Scene scene :
+         {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders, Scene::AllPassed}) {
         const World world(scene);
         const Reference reference(world);
         Names missing;

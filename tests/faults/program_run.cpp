@@ -1,6 +1,7 @@
 #include "faults/program_run.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,11 +16,14 @@
 
 // AddressSanitizer's settings, where it is there: what one run gives back is kept from
 // being used again, not what a hundred did.
-extern "C" const char* __asan_default_options(); // NOLINT(bugprone-reserved-identifier)
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
     return "quarantine_size_mb=4:malloc_context_size=8";
 }
+extern "C" __attribute__((weak)) void __sanitizer_set_report_fd(void* file);
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -30,6 +34,14 @@ int replace_stream(int stream, int file)
         std::abort();
     }
     return real;
+}
+
+// A report must not go where what the program prints goes.
+void send_reports_to(std::intptr_t file)
+{
+    if (__sanitizer_set_report_fd != nullptr) {
+        __sanitizer_set_report_fd(reinterpret_cast<void*>(file));
+    }
 }
 
 void put_back(int stream, int real, int file)
@@ -90,11 +102,13 @@ PrintedText::PrintedText()
     std::fflush(stdout);
     real_output_ = replace_stream(STDOUT_FILENO, output_);
     real_errors_ = replace_stream(STDERR_FILENO, errors_);
+    send_reports_to(real_errors_);
 }
 
 PrintedText::~PrintedText()
 {
     std::fflush(stdout);
+    send_reports_to(STDERR_FILENO);
     put_back(STDOUT_FILENO, real_output_, output_);
     put_back(STDERR_FILENO, real_errors_, errors_);
 }

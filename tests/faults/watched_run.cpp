@@ -237,8 +237,9 @@ WatchedRun* watched_run()
 
 std::map<std::string_view, std::uint64_t>& name_hits()
 {
-    static std::map<std::string_view, std::uint64_t> hits;
-    return hits;
+    // Never destroyed: what runs at exit, such as the counting of coverage, comes by, too.
+    static auto* hits = new std::map<std::string_view, std::uint64_t>;
+    return *hits;
 }
 
 const char* name_of(Call call)

@@ -91,6 +91,8 @@ const char* name_of(Scene scene)
         return "OlderPage";
     case Scene::MissingFolders:
         return "MissingFolders";
+    case Scene::AllPassed:
+        return "AllPassed";
     default:
         return "ManyReports";
     }
@@ -113,9 +115,9 @@ World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())
     }
     json = page.substr(0, page.size() - 5) + ".json";
     if (scene == Scene::ManyReports) {
-        for (int i = 0; i < 2200; ++i) {
-            add(numbered("many/", i), passed(i));
-        }
+        add_many();
+    } else if (scene == Scene::AllPassed) {
+        add_few();
     } else {
         add_tree();
         add_oddities();
@@ -133,6 +135,21 @@ void World::add(const std::string& path, const KnownFile& file)
 {
     temp_.write("in/" + path, document_of(file));
     files[path] = file;
+}
+
+void World::add_few()
+{
+    for (int i = 0; i < 12; ++i) {
+        add(numbered(i < 6 ? "passed" : "album/passed", i), passed(i));
+    }
+    add("notes.html", other());
+}
+
+void World::add_many()
+{
+    for (int i = 0; i < 2200; ++i) {
+        add(numbered("many/", i), passed(i));
+    }
 }
 
 // 104 passed, so that the loss of a few makes the table one that is not paged.

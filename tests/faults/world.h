@@ -21,6 +21,7 @@ enum class Scene
     NoOlderPage,    // beside the tree; its folder is there
     OlderPage,      // inside the tree, with an older page and older JSON
     MissingFolders, // three folders above it are missing
+    AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
 const char* name_of(Scene scene);
@@ -52,6 +53,8 @@ public:
 
 private:
     void add(const std::string& path, const KnownFile& file);
+    void add_few();
+    void add_many();
     void add_tree();
     void add_oddities();
     void add_older_outputs();
