@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,12 @@ std::string name_of_case(const Case& tested)
 {
     return std::string(name_of(tested.kind.call)) + '_' + name_of(tested.kind.answer) + '_' +
            (tested.from_then_on ? "FromThenOn" : "Once") + '_' + name_of(tested.scene);
+}
+
+// How GoogleTest shows a case; else it prints the bytes.
+void PrintTo(const Case& tested, std::ostream* output)
+{
+    *output << name_of_case(tested);
 }
 
 constexpr Scene SCENES[] = {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders,

@@ -1,6 +1,7 @@
 #include "faults/world.h"
 
 #include <cstdlib>
+#include <ostream>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -96,6 +97,11 @@ const char* name_of(Scene scene)
     default:
         return "ManyReports";
     }
+}
+
+void PrintTo(Scene scene, std::ostream* output)
+{
+    *output << name_of(scene);
 }
 
 World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())

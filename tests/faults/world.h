@@ -7,6 +7,7 @@
 #pragma once
 
 #include <filesystem>
+#include <iosfwd>
 #include <map>
 #include <optional>
 #include <set>
@@ -25,6 +26,9 @@ enum class Scene
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
 const char* name_of(Scene scene);
+
+// How GoogleTest shows a scene; else it prints the bytes.
+void PrintTo(Scene scene, std::ostream* output);
 
 inline constexpr char INPUT[] = "in";
 
