@@ -78,8 +78,9 @@ protected:
         const auto expected = contents();
         for (unsigned streams = 1; streams <= ALL_CLOSED; ++streams) {
             SCOPED_TRACE(streams);
-            std::filesystem::remove(temp.path("s.html"));
-            std::filesystem::remove(temp.path("s.json"));
+            for (const char* output_file : {"s.html", "s.json", "folder.html"}) {
+                std::filesystem::remove(temp.path(output_file));
+            }
             expect_run(run(arguments, streams), status, is_closed(streams, 1) ? "" : output,
                        is_closed(streams, 2) ? "" : errors);
             EXPECT_EQ(contents(), expected);

@@ -135,7 +135,7 @@ struct Trial
 Trial try_program(const Start& start, const std::string& page)
 {
     std::array<char, LONG_PATH_BUFFER_SIZE> buffer;
-    std::fill_n(buffer.begin(), 64, FILLER);
+    std::fill_n(buffer.begin(), 64, FILLER); // so that a NUL that is not written is missed
     MemoryFileSystem files(start.tree, "/nest/nest");
     const bool created = create_page_folders(page, buffer.data());
     return {created, files.tree(), files.all_made_with(0755)};
