@@ -1,10 +1,7 @@
-#include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
-#include <fstream>
 #include <map>
-#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -17,65 +14,29 @@ namespace {
 // What the allocator was told.
 std::map<int, int> malloc_options;
 
-constexpr std::size_t LARGE_PAGE = std::size_t{2} << 20U;
-
-// A mapping of its own, whose flags are not those of a neighbour.
-class Mapping
+// What the kernel was asked for.
+struct Advice
 {
-public:
-    explicit Mapping(std::size_t size)
-        : size_(size), block_(static_cast<char*>(mmap(nullptr, size, PROT_READ | PROT_WRITE,
-                                                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
-    {
-    }
+    std::uintptr_t start;
+    std::size_t size; // bytes
+    int advice;
 
-    ~Mapping()
-    {
-        munmap(block_, size_);
-    }
-
-    Mapping(const Mapping&) = delete;
-    Mapping& operator=(const Mapping&) = delete;
-
-    // Its first byte that begins a large page.
-    char* aligned() const
-    {
-        const std::size_t rest = reinterpret_cast<std::uintptr_t>(block_) % LARGE_PAGE;
-        return block_ + (LARGE_PAGE - rest);
-    }
-
-    // Bytes of it that the kernel was asked to give in large pages.
-    std::size_t advised() const
-    {
-        std::ifstream regions("/proc/self/smaps");
-        std::size_t bytes = 0;
-        unsigned long start = 0;
-        unsigned long end = 0;
-        for (std::string line; std::getline(regions, line);) {
-            unsigned long first = 0;
-            unsigned long last = 0;
-            if (std::sscanf(line.c_str(), "%lx-%lx ", &first, &last) == 2) {
-                start = first;
-                end = last;
-            } else if (line.starts_with("VmFlags:") && line.find(" hg") != std::string::npos) {
-                bytes += overlap(start, end);
-            }
-        }
-        return bytes;
-    }
-
-private:
-    std::size_t overlap(std::uintptr_t start, std::uintptr_t end) const
-    {
-        const std::uintptr_t own = reinterpret_cast<std::uintptr_t>(block_);
-        const std::uintptr_t from = std::max(start, own);
-        const std::uintptr_t to = std::min(end, own + size_);
-        return from < to ? to - from : 0;
-    }
-
-    std::size_t size_;
-    char* block_;
+    bool operator==(const Advice&) const = default;
 };
+
+std::vector<Advice> advices;
+
+constexpr std::uintptr_t LARGE_PAGE = std::uintptr_t{2} << 20U;
+
+// An address that begins a large page. Nothing lies there: the hint alone is of interest.
+constexpr std::uintptr_t ALIGNED = 1000 * LARGE_PAGE;
+
+std::vector<Advice> advices_for(std::uintptr_t block, std::size_t size)
+{
+    advices.clear();
+    prefer_large_pages(reinterpret_cast<void*>(block), size);
+    return advices;
+}
 
 } // namespace
 
@@ -84,6 +45,13 @@ int mallopt(int option, int value) noexcept
 {
     malloc_options[option] = value;
     return 1;
+}
+
+// Takes the C library's place, for not every kernel keeps such advice.
+int madvise(void* start, std::size_t size, int advice) noexcept
+{
+    advices.push_back({reinterpret_cast<std::uintptr_t>(start), size, advice});
+    return 0;
 }
 
 namespace {
@@ -97,28 +65,26 @@ TEST(KeepReleasedMemory, SetsNoLimitToWhatIsKept)
 
 TEST(PreferLargePages, AsksForTheWholeLargePagesInsideTheBlock)
 {
-    const Mapping mapping(8 * LARGE_PAGE);
-    char* const start = mapping.aligned();
-    prefer_large_pages(start + 1, 4 * LARGE_PAGE);
-    EXPECT_EQ(mapping.advised(), 3 * LARGE_PAGE);
+    const std::vector<Advice> expected = {{ALIGNED + LARGE_PAGE, 3 * LARGE_PAGE, MADV_HUGEPAGE}};
+    EXPECT_EQ(advices_for(ALIGNED + 1, 4 * LARGE_PAGE), expected);
+    EXPECT_EQ(advices_for(ALIGNED + LARGE_PAGE - 1, 4 * LARGE_PAGE - 1), expected);
 }
 
 TEST(PreferLargePages, OfAnAlignedBlockAsksForAllOfIt)
 {
-    const Mapping mapping(8 * LARGE_PAGE);
-    prefer_large_pages(mapping.aligned(), 2 * LARGE_PAGE);
-    EXPECT_EQ(mapping.advised(), 2 * LARGE_PAGE);
+    for (const std::size_t pages : {1U, 2U, 1000U}) {
+        const std::vector<Advice> expected = {{ALIGNED, pages * LARGE_PAGE, MADV_HUGEPAGE}};
+        EXPECT_EQ(advices_for(ALIGNED, pages * LARGE_PAGE), expected);
+    }
 }
 
 TEST(PreferLargePages, OfABlockThatHoldsNoWholeLargePageAsksForNothing)
 {
-    const Mapping mapping(8 * LARGE_PAGE);
-    char* const start = mapping.aligned();
-    prefer_large_pages(start, 0);
-    prefer_large_pages(start, LARGE_PAGE - 1);
-    prefer_large_pages(start + 1, LARGE_PAGE);
-    prefer_large_pages(start + 1, 2 * LARGE_PAGE - 2);
-    EXPECT_EQ(mapping.advised(), 0U);
+    const std::vector<Advice> nothing;
+    EXPECT_EQ(advices_for(ALIGNED, 0), nothing);
+    EXPECT_EQ(advices_for(ALIGNED, LARGE_PAGE - 1), nothing);
+    EXPECT_EQ(advices_for(ALIGNED + 1, LARGE_PAGE), nothing);
+    EXPECT_EQ(advices_for(ALIGNED + 1, 2 * LARGE_PAGE - 2), nothing);
 }
 
 } // namespace
