@@ -57,6 +57,25 @@ TEST(SortedView, OfEqualPathsHoldsThemAll)
     EXPECT_EQ(sorted_by_view({"a", "a", "a"}), Paths({"a", "a", "a"}));
 }
 
+// An order that puts one of two equals first makes a sort of many leave its array.
+TEST(SortedView, OfAThousandEqualPathsHoldsEachEntryOnce)
+{
+    const Paths paths(1000, "folder/report.html");
+    const std::vector<ReportEntry> entries = make_entries(paths);
+    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    SortedView view;
+    sorted_view_init(view);
+    ASSERT_TRUE(sorted_view_fill(view, model, entries.size()));
+    std::vector<const ReportEntry*> held(view.entries, view.entries + view.length);
+    std::sort(held.begin(), held.end());
+    std::vector<const ReportEntry*> expected;
+    for (const ReportEntry& entry : entries) {
+        expected.push_back(&entry);
+    }
+    EXPECT_EQ(held, expected);
+    sorted_view_free(view);
+}
+
 TEST(SortedView, PutsAPathBeforeThoseThatItBegins)
 {
     EXPECT_EQ(sorted_by_view({"abc", "ab", "abcd", "a", "ab\x01"}),
