@@ -5,9 +5,10 @@
 //   - data is null and capacity 0 (the empty state), or data is an owned heap
 //     block of capacity bytes with length + 1 <= capacity and data[length] NUL;
 //   - capacity is 0 or 256 times a power of two;
-//   - an append that returns false has changed nothing: data, length, capacity
-//     and the text are as before, and the buffer still owns its block (after a text
-//     that could not be formatted, the block may be larger).
+//   - an append that returns false leaves length and the text, its NUL included, as
+//     they were. Data and capacity are as they were, too, with one exception: when a
+//     formatted text could be measured, but not written, the block may have grown
+//     and moved.
 //
 // A text that is appended must not lie in the buffer's own block, which may move.
 //
