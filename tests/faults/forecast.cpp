@@ -1,32 +1,13 @@
 #include "faults/forecast.h"
 
-#include <algorithm>
+#include <map>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "cli/expected_texts.h"
 
 namespace {
-
-// The failed calls, sorted by what they come to.
-struct Consequences
-{
-    std::optional<Effect> end; // the one that ends the run
-    std::uint64_t written = 0; // bytes of the file that was being written then
-    std::set<std::string> hidden_folders;
-    std::map<std::string, std::uint64_t> listed_of; // entries of folders that end early
-    std::set<std::string> hidden_entries;
-    bool forgets_page = false;
-    std::set<std::string> mistaken_entries;
-    std::set<std::string> unreadable;
-    std::set<std::uint64_t> unformed;
-    std::set<std::string> refused_folders;
-    std::set<std::string> claimed_folders;
-    bool bare_links = false;
-    std::string time = std::string(WATCHED_TIME_TEXT);
-    bool with_errored = true;
-    std::set<std::uint64_t> lost_lines;
-};
 
 std::string full_path(const std::string& path)
 {
@@ -41,96 +22,85 @@ bool is_end_of_empty_file(const World& world, const CallRecord& record)
            document_of(world.files.at(path)).empty();
 }
 
-void add_end(Consequences& all, Effect effect, const CallRecord& record)
+bool ends_run(Effect effect)
 {
-    if (!all.end) {
-        all.end = effect;
-        all.written = record.number;
-    }
-}
-
-void add_consequence(Consequences& all, const World& world, const CallRecord& record,
-                     std::set<std::string>& asked_again)
-{
-    const std::optional<Effect> effect = effect_of(record);
-    if (!effect) {
-        ADD_FAILURE() << "no rule for " << name_of(record.call) << ' ' << name_of(record.answer)
-                      << " in " << name_of(record.phase);
-        return;
-    }
-    switch (*effect) {
-    case Effect::Nothing:
-        break;
-    case Effect::NoFolder:
-        all.refused_folders.insert(record.subject);
-        add_end(all, *effect, record);
-        break;
+    switch (effect) {
     case Effect::NoInput:
     case Effect::NoMemory:
+    case Effect::NoFolder:
     case Effect::NoPage:
     case Effect::CutPage:
     case Effect::NoJson:
     case Effect::CutJson:
-        add_end(all, *effect, record);
-        break;
-    case Effect::ClaimsFolder:
-        all.claimed_folders.insert(record.subject);
-        break;
-    case Effect::HidesFolder:
-        all.hidden_folders.insert(record.subject);
-        break;
-    case Effect::EndsFolder:
-        all.listed_of[record.subject] = record.number;
-        break;
-    case Effect::HidesEntry:
-        all.hidden_entries.insert(record.subject);
-        break;
-    case Effect::ForgetsPage:
-        all.forgets_page = true;
-        break;
-    case Effect::MistakesEntry:
-        all.mistaken_entries.insert(record.subject);
-        break;
-    case Effect::Unreadable:
-        if (!is_end_of_empty_file(world, record)) {
-            all.unreadable.insert(record.subject);
-        }
-        break;
-    case Effect::AsksAgain:
-        if (!asked_again.insert(record.subject).second) {
-            all.unreadable.insert(record.subject);
-        }
-        break;
-    case Effect::FormsNoPath:
-        all.unformed.insert(record.number);
-        break;
-    case Effect::BareLinks:
-        all.bare_links = true;
-        break;
-    case Effect::NoTime:
-        all.time = "";
-        break;
-    case Effect::OldestTime:
-        all.time = "1969-12-31 23:59:59 UTC";
-        break;
-    case Effect::NoErrored:
-        all.with_errored = false;
-        break;
-    case Effect::LosesLine:
-        all.lost_lines.insert(record.number);
-        break;
+        return true;
+    default:
+        return false;
     }
 }
 
-Consequences consequences_of(const World& world, const std::vector<CallRecord>& failed)
+// The failed calls, sorted by what they come to.
+class Consequences
 {
-    Consequences all;
-    std::set<std::string> asked_again;
-    for (const CallRecord& record : failed) {
-        add_consequence(all, world, record, asked_again);
+public:
+    Consequences(const World& world, const std::vector<CallRecord>& failed) : world_(world)
+    {
+        for (const CallRecord& record : failed) {
+            if (const std::optional<Effect> effect = effect_of(record)) {
+                add(*effect, record);
+            } else {
+                ADD_FAILURE() << "no rule for " << name_of(record.call) << ' '
+                              << name_of(record.answer) << " in " << name_of(record.phase);
+            }
+        }
     }
-    return all;
-}
+
+    std::optional<Effect> end;    // the one that ends the run
+    std::uint64_t end_number = 0; // of the call that ends it; CutPage, CutJson: bytes written
+
+    bool has(Effect effect) const
+    {
+        return numbers_.count(effect) > 0;
+    }
+
+    bool has(Effect effect, const std::string& subject) const
+    {
+        return number_of(effect, subject).has_value();
+    }
+
+    // Of the last call with this subject that came to the effect.
+    std::optional<std::uint64_t> number_of(Effect effect, const std::string& subject) const
+    {
+        const auto found = subjects_.find({effect, subject});
+        return found != subjects_.end() ? std::optional(found->second) : std::nullopt;
+    }
+
+    bool has_number(Effect effect, std::uint64_t number) const
+    {
+        const auto found = numbers_.find(effect);
+        return found != numbers_.end() && found->second.count(number) > 0;
+    }
+
+private:
+    void add(Effect effect, const CallRecord& record)
+    {
+        if (effect == Effect::Unreadable && is_end_of_empty_file(world_, record)) {
+            return;
+        }
+        if (effect == Effect::AsksAgain && has(effect, record.subject)) {
+            effect = Effect::Unreadable;
+        }
+        subjects_[{effect, record.subject}] = record.number;
+        numbers_[effect].insert(record.number);
+        if (ends_run(effect) && !end) {
+            end = effect;
+            end_number = record.number;
+        }
+    }
+
+    const World& world_;
+    std::map<std::pair<Effect, std::string>, std::uint64_t> subjects_;
+    std::map<Effect, std::set<std::uint64_t>> numbers_;
+};
 
 class List
 {
@@ -149,12 +119,12 @@ public:
 private:
     void add_folder(const std::string& folder)
     {
-        if (faults_.hidden_folders.count(folder) > 0) {
+        if (faults_.has(Effect::HidesFolder, folder)) {
             return;
         }
         const std::vector<std::string>& names = listings_.at(folder);
-        const auto cut = faults_.listed_of.find(folder);
-        const std::size_t count = cut != faults_.listed_of.end() ? cut->second : names.size();
+        const std::size_t count =
+            faults_.number_of(Effect::EndsFolder, folder).value_or(names.size());
         for (std::size_t i = 0; i < count; ++i) {
             if (names[i] != "." && names[i] != "..") {
                 add_entry(folder + "/" + names[i]);
@@ -165,7 +135,7 @@ private:
     void add_entry(const std::string& full)
     {
         const std::string path = full.substr(full_path("").size());
-        if (faults_.hidden_entries.count(full) > 0) {
+        if (faults_.has(Effect::HidesEntry, full)) {
             return;
         }
         if (listings_.count(full) > 0) {
@@ -177,8 +147,8 @@ private:
 
     bool is_recognised_page(const std::string& path) const
     {
-        return world_.page_names.count(path) > 0 && !faults_.forgets_page &&
-               faults_.mistaken_entries.count(full_path(path)) == 0;
+        return world_.page_names.count(path) > 0 && !faults_.has(Effect::ForgetsPage) &&
+               !faults_.has(Effect::MistakesEntry, full_path(path));
     }
 
     const World& world_;
@@ -192,8 +162,8 @@ std::vector<ListedFile> files_of(const World& world, const Listings& listings,
 {
     std::vector<ListedFile> files;
     for (const std::string& path : List(world, listings, faults).paths()) {
-        const bool unread =
-            faults.unreadable.count(full_path(path)) > 0 || faults.unformed.count(files.size()) > 0;
+        const bool unread = faults.has(Effect::Unreadable, full_path(path)) ||
+                            faults.has_number(Effect::FormsNoPath, files.size());
         files.push_back({path, unread ? unreadable() : world.files.at(path)});
     }
     return files;
@@ -206,16 +176,37 @@ std::vector<std::string> make_folders(const World& world, const Consequences& fa
 {
     std::vector<std::string> made;
     for (const std::string& folder : world.missing_folders) {
-        if (faults.refused_folders.count(folder) > 0 || faults.claimed_folders.count(folder) > 0) {
+        if (faults.has(Effect::NoFolder, folder) || faults.has(Effect::ClaimsFolder, folder)) {
             break;
         }
         made.push_back(folder);
     }
-    if (!faults.claimed_folders.empty()) {
-        end = faults.claimed_folders.count(world.missing_folders.back()) > 0 ? Effect::NoPage
+    if (faults.has(Effect::ClaimsFolder)) {
+        end = faults.has(Effect::ClaimsFolder, world.missing_folders.back()) ? Effect::NoPage
                                                                              : Effect::NoFolder;
     }
     return made;
+}
+
+std::string page_time(const Consequences& faults)
+{
+    if (faults.has(Effect::NoTime)) {
+        return "";
+    }
+    return faults.has(Effect::OldestTime) ? "1969-12-31 23:59:59 UTC"
+                                          : std::string(WATCHED_TIME_TEXT);
+}
+
+std::string printed_closing(const World& world, const std::vector<ListedFile>& files,
+                            const Consequences& faults)
+{
+    const std::vector<std::string> lines =
+        closing_lines(world.page, world.json, files, !faults.has(Effect::NoErrored));
+    std::string printed;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        printed += faults.has_number(Effect::LosesLine, i) ? "" : lines[i];
+    }
+    return printed;
 }
 
 std::string message_for(const World& world, Effect end)
@@ -240,42 +231,39 @@ std::string message_for(const World& world, Effect end)
 std::vector<std::string> forecast_list(const World& world, const Listings& listings,
                                        const std::vector<CallRecord>& failed)
 {
-    return List(world, listings, consequences_of(world, failed)).paths();
+    return List(world, listings, Consequences(world, failed)).paths();
 }
 
 Outcome forecast(const World& world, const Listings& listings,
                  const std::vector<CallRecord>& failed)
 {
-    const Consequences faults = consequences_of(world, failed);
+    const Consequences faults(world, failed);
     Outcome outcome = {1, "", "", world.older_page, world.older_json, {}};
     std::optional<Effect> end = faults.end;
     if (end != Effect::NoInput && end != Effect::NoMemory) {
         outcome.folders = make_folders(world, faults, end);
     }
-    if (end && faults.lost_lines.empty()) {
+    if (end && !faults.has(Effect::LosesLine)) {
         outcome.errors = message_for(world, *end);
     }
     if (end && *end != Effect::CutPage && *end != Effect::NoJson && *end != Effect::CutJson) {
         return outcome;
     }
     const std::vector<ListedFile> files = files_of(world, listings, faults);
-    outcome.page = page_of(INPUT, files, faults.bare_links ? "" : world.link_prefix, faults.time);
+    outcome.page = page_of(INPUT, files, faults.has(Effect::BareLinks) ? "" : world.link_prefix,
+                           page_time(faults));
     if (end == Effect::CutPage) {
-        outcome.page->resize(faults.written);
+        outcome.page->resize(faults.end_number);
     }
     if (end == Effect::CutPage || end == Effect::NoJson) {
         return outcome;
     }
     outcome.json = json_of(INPUT, files);
     if (end == Effect::CutJson) {
-        outcome.json->resize(faults.written);
+        outcome.json->resize(faults.end_number);
         return outcome;
     }
-    const std::vector<std::string> lines =
-        closing_lines(world.page, world.json, files, faults.with_errored);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        outcome.output += faults.lost_lines.count(i) > 0 ? "" : lines[i];
-    }
+    outcome.output = printed_closing(world, files, faults);
     outcome.status = status_of(files);
     return outcome;
 }
