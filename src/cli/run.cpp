@@ -112,13 +112,13 @@ void print_closing_lines(const CommandLine& options, const SummaryModel& model,
                          const char* json_path)
 {
     const SummaryTally tally = tally_entries(model.entries, model.count);
-    char errored[48] = "";
-    if (tally.errored != 0) {
-        std::snprintf(errored, sizeof errored, ", %zu errored", std::size_t{tally.errored});
-    }
-    std::printf("wrote %s (%zu fathomix reports: %zu passed, %zu failed%s)%s\n", options.page_path,
+    std::printf("wrote %s (%zu fathomix reports: %zu passed, %zu failed", options.page_path,
                 std::size_t{total_reports(tally)}, std::size_t{tally.passed},
-                std::size_t{tally.failed}, errored, options.wants_json ? " + json" : "");
+                std::size_t{tally.failed});
+    if (tally.errored != 0) {
+        std::printf(", %zu errored", std::size_t{tally.errored});
+    }
+    std::printf(")%s\n", options.wants_json ? " + json" : "");
     if (options.wants_json) {
         std::printf("wrote %s\n", json_path);
     }

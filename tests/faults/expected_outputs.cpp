@@ -177,16 +177,18 @@ std::string json_of(const std::string& input, const std::vector<ListedFile>& fil
            ",\n    \"other_files\": " + json_array(others) + "\n}\n";
 }
 
-std::vector<std::string> closing_lines(const std::string& page, const std::string& json,
-                                       const std::vector<ListedFile>& files, bool with_errored)
+std::vector<std::string> closing_pieces(const std::string& page, const std::string& json,
+                                        const std::vector<ListedFile>& files)
 {
     const Counts counts = counts_of(files);
-    const std::string errored = counts.errored > 0 && with_errored
-                                    ? ", " + std::to_string(counts.errored) + " errored"
-                                    : "";
-    return {"wrote " + page + " (" +
-                std::to_string(counts.passed + counts.failed + counts.errored) +
-                " fathomix reports: " + std::to_string(counts.passed) + " passed, " +
-                std::to_string(counts.failed) + " failed" + errored + ") + json\n",
-            "wrote " + json + "\n"};
+    std::vector<std::string> pieces = {
+        "wrote " + page + " (" + std::to_string(counts.passed + counts.failed + counts.errored) +
+        " fathomix reports: " + std::to_string(counts.passed) + " passed, " +
+        std::to_string(counts.failed) + " failed"};
+    if (counts.errored > 0) {
+        pieces.push_back(", " + std::to_string(counts.errored) + " errored");
+    }
+    pieces.emplace_back(") + json\n");
+    pieces.push_back("wrote " + json + "\n");
+    return pieces;
 }

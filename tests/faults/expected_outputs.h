@@ -61,7 +61,6 @@ std::string json_of(const std::string& input, const std::vector<ListedFile>& fil
 std::string page_of(const std::string& input, const std::vector<ListedFile>& files,
                     const std::string& link_prefix, const std::string& time);
 
-// The two lines that say what was written.
-std::vector<std::string> closing_lines(const std::string& page, const std::string& json,
-                                       const std::vector<ListedFile>& files,
-                                       bool with_errored = true);
+// The pieces in which the lines are printed that say what was written.
+std::vector<std::string> closing_pieces(const std::string& page, const std::string& json,
+                                        const std::vector<ListedFile>& files);

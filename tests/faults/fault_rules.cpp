@@ -68,9 +68,6 @@ constexpr Rule RULES[] = {
     {Call::Write, Answer::Nothing, Phase::JsonFile, Effect::CutJson},
     {Call::Write, Answer::Short, Phase::JsonFile, Effect::Nothing},
     {Call::Close, Answer::Refuse, Phase::JsonFile, Effect::Nothing},
-
-    // Closing lines.
-    {Call::Snprintf, Answer::Refuse, Phase::Closing, Effect::NoErrored},
 };
 
 } // namespace
@@ -78,7 +75,7 @@ constexpr Rule RULES[] = {
 std::optional<Effect> effect_of(const CallRecord& failed)
 {
     if (failed.call == Call::Print) {
-        return Effect::LosesLine;
+        return Effect::LosesPrint;
     }
     for (const Rule& rule : RULES) {
         if (rule.call == failed.call && rule.answer == failed.answer &&

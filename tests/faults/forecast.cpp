@@ -200,11 +200,10 @@ std::string page_time(const Consequences& faults)
 std::string printed_closing(const World& world, const std::vector<ListedFile>& files,
                             const Consequences& faults)
 {
-    const std::vector<std::string> lines =
-        closing_lines(world.page, world.json, files, !faults.has(Effect::NoErrored));
+    const std::vector<std::string> pieces = closing_pieces(world.page, world.json, files);
     std::string printed;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        printed += faults.has_number(Effect::LosesLine, i) ? "" : lines[i];
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        printed += faults.has_number(Effect::LosesPrint, i) ? "" : pieces[i];
     }
     return printed;
 }
@@ -243,7 +242,7 @@ Outcome forecast(const World& world, const Listings& listings,
     if (end != Effect::NoInput && end != Effect::NoMemory) {
         outcome.folders = make_folders(world, faults, end);
     }
-    if (end && !faults.has(Effect::LosesLine)) {
+    if (end && !faults.has(Effect::LosesPrint)) {
         outcome.errors = message_for(world, *end);
     }
     if (end && *end != Effect::CutPage && *end != Effect::NoJson && *end != Effect::CutJson) {

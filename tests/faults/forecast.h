@@ -45,8 +45,7 @@ enum class Effect
     BareLinks,     // the page's links are the bare paths
     NoTime,        // the page tells no time
     OldestTime,    // the page tells the second before 1970
-    NoErrored,     // the closing line leaves the errored reports out
-    LosesLine,     // the line is not printed
+    LosesPrint,    // a message, or a piece of the closing lines, is not printed
 };
 
 // Nothing where no rule says what comes of the call.
