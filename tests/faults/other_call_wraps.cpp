@@ -1,6 +1,7 @@
 // The calls to do with memory, texts and time that the test program is linked with in
 // place of the real ones.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
@@ -54,13 +55,25 @@ int __wrap_mallopt(int parameter, int value);
 
 namespace {
 
+// A formatting that fails half way leaves no NUL behind what it wrote.
+__attribute__((format(printf, 3, 0))) int fail_half_way(char* text, std::size_t size,
+                                                        const char* format, va_list values)
+{
+    if (text != nullptr && size > 0) {
+        const int length = __real_vsnprintf(text, size, format, values);
+        const std::size_t half = std::min(static_cast<std::size_t>(length), size - 1) / 2;
+        std::memset(text + half, '?', size - half);
+    }
+    return -1;
+}
+
 __attribute__((format(printf, 4, 0))) int format_text(WatchedRun* run, char* text, std::size_t size,
                                                       const char* format, va_list values)
 {
     if (run != nullptr) {
         run->before_assembling();
     }
-    return refuses(run, Call::Vsnprintf, ENOMEM) ? -1
+    return refuses(run, Call::Vsnprintf, ENOMEM) ? fail_half_way(text, size, format, values)
                                                  : __real_vsnprintf(text, size, format, values);
 }
 
@@ -69,7 +82,7 @@ __attribute__((format(printf, 4, 0))) int format_path(WatchedRun* run, char* tex
 {
     const std::uint64_t number = run != nullptr ? run->count_before(Call::Snprintf) : 0;
     return refuses(run, Call::Snprintf, ENOMEM, {}, number)
-               ? -1
+               ? fail_half_way(text, size, format, values)
                : __real_vsnprintf(text, size, format, values);
 }
 

@@ -49,7 +49,8 @@ inline constexpr std::size_t CALL_COUNT = 21;
 // What a failing call says.
 enum class Answer
 {
-    Refuse,     // its ordinary failure, with nothing done; close and closedir do close
+    Refuse,     // its ordinary failure, with nothing done; but close and closedir do close,
+                // and vsnprintf and snprintf write half of the text, but no NUL
     Short,      // pread, write: half of the bytes
     Nothing,    // pread, write: 0, as at the end of a file that has shrunk
     WouldBlock, // open: the failure after which reading is tried once more
