@@ -1,18 +1,18 @@
 #include "faults/program_run.h"
 
-#include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "cli/command_line.h"
-#include "cli/run.h"
-#include "core/memory.h"
+// The program's main, which goes by this name here.
+int program_main(int argc, char** argv);
 
 // AddressSanitizer's settings, where it is there: what one run gives back is kept from
 // being used again, not what a hundred did.
@@ -82,16 +82,39 @@ int lowest_free_descriptor()
     return file;
 }
 
-// As in main.cpp.
-int run_main(const World& world)
+// Puts back at its end what a signal did before, for main sets what it does.
+class KeptSignal
 {
-    const std::array<const char*, 6> words = {"fthsummary", "--input",          INPUT,
-                                              "-o",         world.page.c_str(), "--json"};
-    keep_released_memory();
-    CommandLine options;
-    const CommandLineOutcome outcome =
-        parse_command_line(static_cast<int>(words.size()), words.data(), options);
-    return outcome == CommandLineOutcome::Run ? run_summary(options) : -1;
+public:
+    explicit KeptSignal(int number) : number_(number), before_(std::signal(number, SIG_DFL)) {}
+
+    ~KeptSignal()
+    {
+        std::signal(number_, before_);
+    }
+
+    KeptSignal(const KeptSignal&) = delete;
+    KeptSignal& operator=(const KeptSignal&) = delete;
+
+private:
+    int number_;
+    void (*before_)(int);
+};
+
+int run_main(const World& world, WatchedRun& watched)
+{
+    const KeptSignal closed_pipe(SIGPIPE);
+    const KeptSignal file_too_large(SIGXFSZ);
+    std::vector<std::string> words = {"fthsummary", "--input", INPUT, "-o", world.page, "--json"};
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    watched.start();
+    const int status = program_main(static_cast<int>(words.size()), arguments.data());
+    watched.stop();
+    return status;
 }
 
 } // namespace
@@ -129,9 +152,7 @@ Outcome run_program(const World& world, WatchedRun& watched)
     PrintedText printed;
     Outcome outcome;
     const int free_before = lowest_free_descriptor();
-    watched.start();
-    outcome.status = run_main(world);
-    watched.stop();
+    outcome.status = run_main(world, watched);
     const int free_after = lowest_free_descriptor();
     outcome.output = printed.output();
     outcome.errors = printed.errors();

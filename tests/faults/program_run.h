@@ -27,6 +27,6 @@ private:
     int real_errors_;
 };
 
-// Does what main does with the command line that World stands for, and says what came of
-// it. watched watches nothing but that.
+// Runs main with the command line that World stands for, and says what came of it.
+// watched watches nothing but that.
 Outcome run_program(const World& world, WatchedRun& watched);
