@@ -88,7 +88,7 @@ std::optional<CallRecord> first_struck(const Reference& reference, const std::ve
 Reference::Reference(const World& world)
 {
     world.reset();
-    WatchedRun watched(world.page, {}, true);
+    WatchedRun watched(world.page, world.wants_json, {}, true);
     const Outcome outcome = run_program(world, watched);
     trace = watched.trace();
     listings = watched.listings();
@@ -115,7 +115,7 @@ std::size_t check_run(const World& world, const Reference& reference,
 {
     const testing::ScopedTrace trace(__FILE__, __LINE__, described(faults));
     world.reset();
-    WatchedRun watched(world.page, faults, false);
+    WatchedRun watched(world.page, world.wants_json, faults, false);
     const Outcome outcome = run_program(world, watched);
     const std::vector<CallRecord>& failed = watched.failed();
     if (failed.empty()) {

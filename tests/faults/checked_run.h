@@ -15,7 +15,7 @@ struct FaultKind
 {
     Call call;
     Answer answer;
-    std::array<std::uint64_t, 5> floors;
+    std::array<std::uint64_t, 6> floors;
 };
 const std::vector<FaultKind>& fault_kinds();
 

@@ -188,6 +188,10 @@ std::vector<std::string> closing_pieces(const std::string& page, const std::stri
     if (counts.errored > 0) {
         pieces.push_back(", " + std::to_string(counts.errored) + " errored");
     }
+    if (json.empty()) {
+        pieces.emplace_back(")\n");
+        return pieces;
+    }
     pieces.emplace_back(") + json\n");
     pieces.push_back("wrote " + json + "\n");
     return pieces;

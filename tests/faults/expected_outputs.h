@@ -61,6 +61,7 @@ std::string json_of(const std::string& input, const std::vector<ListedFile>& fil
 std::string page_of(const std::string& input, const std::vector<ListedFile>& files,
                     const std::string& link_prefix, const std::string& time);
 
-// The pieces in which the lines are printed that say what was written.
+// The pieces in which the lines are printed that say what was written. json is empty when
+// there is none.
 std::vector<std::string> closing_pieces(const std::string& page, const std::string& json,
                                         const std::vector<ListedFile>& files);

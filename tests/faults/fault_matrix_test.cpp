@@ -38,7 +38,7 @@ void PrintTo(const Case& tested, std::ostream* output)
 }
 
 constexpr Scene SCENES[] = {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders,
-                            Scene::AllPassed, Scene::ManyReports};
+                            Scene::AllPassed,   Scene::NoJson,    Scene::ManyReports};
 
 std::vector<Case> all_cases()
 {

@@ -200,7 +200,8 @@ std::string page_time(const Consequences& faults)
 std::string printed_closing(const World& world, const std::vector<ListedFile>& files,
                             const Consequences& faults)
 {
-    const std::vector<std::string> pieces = closing_pieces(world.page, world.json, files);
+    const std::vector<std::string> pieces =
+        closing_pieces(world.page, world.wants_json ? world.json : "", files);
     std::string printed;
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         printed += faults.has_number(Effect::LosesPrint, i) ? "" : pieces[i];
@@ -257,7 +258,9 @@ Outcome forecast(const World& world, const Listings& listings,
     if (end == Effect::CutPage || end == Effect::NoJson) {
         return outcome;
     }
-    outcome.json = json_of(INPUT, files);
+    if (world.wants_json) {
+        outcome.json = json_of(INPUT, files);
+    }
     if (end == Effect::CutJson) {
         outcome.json->resize(faults.end_number);
         return outcome;

@@ -14,7 +14,7 @@ namespace {
 // library fails: the first measures the text, the second writes it.
 void expect_unformatted(TextBuffer& buffer, std::uint64_t failing)
 {
-    WatchedRun watched("", {{Call::Vsnprintf, Answer::Refuse, failing, false}}, false);
+    WatchedRun watched("", false, {{Call::Vsnprintf, Answer::Refuse, failing, false}}, false);
     watched.start();
     const bool appended = text_buffer_appendf(buffer, "%ld", 123456789012345678L);
     watched.stop();

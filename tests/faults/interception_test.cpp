@@ -147,8 +147,8 @@ TEST(Interception, EveryWrappedNameThatTheProgramCallsIsSeen)
 
 TEST(Interception, EveryKindOfCallHasItsPlaceInTheMatrix)
 {
-    for (const Scene scene :
-         {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders, Scene::AllPassed}) {
+    for (const Scene scene : {Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders,
+                              Scene::AllPassed, Scene::NoJson}) {
         const World world(scene);
         const Reference reference(world);
         Names missing;

@@ -105,7 +105,10 @@ int run_main(const World& world, WatchedRun& watched)
 {
     const KeptSignal closed_pipe(SIGPIPE);
     const KeptSignal file_too_large(SIGXFSZ);
-    std::vector<std::string> words = {"fthsummary", "--input", INPUT, "-o", world.page, "--json"};
+    std::vector<std::string> words = {"fthsummary", "--input", INPUT, "-o", world.page};
+    if (world.wants_json) {
+        words.emplace_back("--json");
+    }
     std::vector<char*> arguments;
     for (std::string& word : words) {
         arguments.push_back(word.data());

@@ -20,8 +20,8 @@ bool strikes(const Fault& fault, Call call, std::uint64_t number)
 
 } // namespace
 
-WatchedRun::WatchedRun(std::string page, std::vector<Fault> faults, bool records)
-    : page_(std::move(page)), faults_(std::move(faults)), records_(records)
+WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records)
+    : page_(std::move(page)), with_json_(with_json), faults_(std::move(faults)), records_(records)
 {
 }
 
@@ -178,7 +178,7 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        enter(Phase::Json);
+        enter(with_json_ ? Phase::Json : Phase::Closing);
     } else if (phase_ == Phase::JsonFile) {
         enter(Phase::Closing);
     }

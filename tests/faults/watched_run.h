@@ -103,9 +103,10 @@ inline constexpr std::string_view WATCHED_TIME_TEXT = "2025-12-31 23:59:59 UTC";
 class WatchedRun
 {
 public:
-    // Files opened for writing are the page if they have its path, and the JSON else. A run
-    // that records keeps each call; the others keep those that they fail.
-    WatchedRun(std::string page, std::vector<Fault> faults, bool records);
+    // Files opened for writing are the page if they have its path, and the JSON else. Without
+    // JSON, the page is the last. A run that records keeps each call; the others keep those
+    // that they fail.
+    WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records);
     ~WatchedRun();
     WatchedRun(const WatchedRun&) = delete;
     WatchedRun& operator=(const WatchedRun&) = delete;
@@ -160,6 +161,7 @@ private:
     void enter(Phase phase);
 
     std::string page_;
+    bool with_json_;
     std::vector<Fault> faults_;
     bool records_;
     Phase phase_ = Phase::Start;

@@ -23,6 +23,7 @@ enum class Scene
     OlderPage,      // inside the tree, with an older page and older JSON
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
+    NoJson,         // as AllPassed, without --json, beside older JSON
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
 const char* name_of(Scene scene);
@@ -44,7 +45,8 @@ public:
     void reset() const;
 
     std::string page; // as typed
-    std::string json;
+    bool wants_json = true;
+    std::string json;                         // where it is, or would be
     std::string link_prefix;                  // from the page's folder to INPUT, with "/"
     std::map<std::string, KnownFile> files;   // by their path below INPUT, links included
     std::set<std::string> page_names;         // those of files that are the older page
