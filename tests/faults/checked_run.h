@@ -9,13 +9,22 @@
 #include "faults/watched_run.h"
 #include "faults/world.h"
 
-// A kind of failure, and the fewest calls that can fail so in a run of each scene, in
-// their order; 0 where there is no such call.
+// A kind of failure, and how many calls can fail so in a run of each scene, in their
+// order; 0 where there is no such call, or where it is left to the smaller scenes. They do
+// not depend on the compiler.
 struct FaultKind
 {
     Call call;
     Answer answer;
-    std::array<std::uint64_t, 6> floors;
+    std::array<std::uint64_t, 6> calls;
+
+    // Whether there may be more. What is asked about entries depends on the order in which
+    // a folder lists them, and on whether it says what they are: a link before the first
+    // report spares the question whether the folder can be searched.
+    bool may_be_more() const
+    {
+        return call == Call::Stat;
+    }
 };
 const std::vector<FaultKind>& fault_kinds();
 

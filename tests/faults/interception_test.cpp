@@ -156,7 +156,7 @@ TEST(Interception, EveryKindOfCallHasItsPlaceInTheMatrix)
             missing.insert(name_of(record.call));
         }
         for (const FaultKind& kind : fault_kinds()) {
-            if (kind.floors[static_cast<std::size_t>(scene)] > 0) {
+            if (kind.calls[static_cast<std::size_t>(scene)] > 0) {
                 missing.erase(name_of(kind.call));
             }
         }
