@@ -1,11 +1,17 @@
 #include "faults/forecast.h"
 
+#include <algorithm>
+#include <cstring>
 #include <map>
-#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "cli/expected_texts.h"
+#include "cli/version.h"
+#include "summary/json_summary.h"
+#include "summary/summary_model.h"
+#include "summary/summary_page.h"
+#include "support/call_faults.h"
 
 namespace {
 
@@ -18,8 +24,7 @@ std::string full_path(const std::string& path)
 bool is_end_of_empty_file(const World& world, const CallRecord& record)
 {
     const std::string path = record.subject.substr(full_path("").size());
-    return record.answer == Answer::Nothing && world.page_names.count(path) == 0 &&
-           document_of(world.files.at(path)).empty();
+    return record.answer == Answer::Nothing && world.empty_files.count(path) > 0;
 }
 
 bool ends_run(Effect effect)
@@ -157,16 +162,22 @@ private:
     std::vector<std::string> paths_;
 };
 
-std::vector<ListedFile> files_of(const World& world, const Listings& listings,
-                                 const Consequences& faults)
+std::vector<ReportEntry> entries_of(const World& world, const Listings& listings,
+                                    const Consequences& faults)
 {
-    std::vector<ListedFile> files;
+    std::vector<ReportEntry> entries;
     for (const std::string& path : List(world, listings, faults).paths()) {
-        const bool unread = faults.has(Effect::Unreadable, full_path(path)) ||
-                            faults.has_number(Effect::FormsNoPath, files.size());
-        files.push_back({path, unread ? unreadable() : world.files.at(path)});
+        const auto file = world.files.find(path);
+        ReportEntry entry = file->second;
+        if (faults.has(Effect::Unreadable, full_path(path)) ||
+            faults.has_number(Effect::FormsNoPath, entries.size())) {
+            entry = {};
+            entry.kind = ReportKind::Unreadable;
+        }
+        entry.relative_path = file->first.c_str();
+        entries.push_back(entry);
     }
-    return files;
+    return entries;
 }
 
 // The folders down to the first that was not made. What was only claimed ends the run at
@@ -188,25 +199,53 @@ std::vector<std::string> make_folders(const World& world, const Consequences& fa
     return made;
 }
 
-std::string page_time(const Consequences& faults)
+// The page that is written at that time of the clock.
+std::string page_at(std::time_t time, const char* path, const SummaryModel& model)
 {
-    if (faults.has(Effect::NoTime)) {
-        return "";
-    }
-    return faults.has(Effect::OldestTime) ? "1969-12-31 23:59:59 UTC"
-                                          : std::string(WATCHED_TIME_TEXT);
+    const Interception clock(time_call, [time](const auto&, std::time_t*) { return time; });
+    const MemoryFile file;
+    EXPECT_TRUE(write_summary_page(path, model));
+    return file.bytes();
 }
 
-std::string printed_closing(const World& world, const std::vector<ListedFile>& files,
-                            const Consequences& faults)
+// A page that tells no time says the less for it.
+std::string without_time(std::string page)
 {
-    const std::vector<std::string> pieces =
-        closing_pieces(world.page, world.wants_json ? world.json : "", files);
-    std::string printed;
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        printed += faults.has_number(Effect::LosesPrint, i) ? "" : pieces[i];
-    }
-    return printed;
+    const Interception clock(time_call, [](const auto&, std::time_t*) { return WATCHED_TIME; });
+    char text[GENERATED_TIME_SIZE];
+    format_generated_time(text, sizeof text);
+    return page.erase(page.rfind(text), std::strlen(text));
+}
+
+// In the input directory, links are the bare paths.
+std::string page_of(const World& world, const SummaryModel& model, const Consequences& faults)
+{
+    const std::string path = faults.has(Effect::BareLinks) ? full_path("summary.html") : world.page;
+    const bool oldest = faults.has(Effect::OldestTime) && !faults.has(Effect::NoTime);
+    const std::string page = page_at(oldest ? -1 : WATCHED_TIME, path.c_str(), model);
+    return faults.has(Effect::NoTime) ? without_time(page) : page;
+}
+
+std::string json_of(const SummaryModel& model)
+{
+    const MemoryFile file;
+    EXPECT_TRUE(write_json_summary("", model));
+    return file.bytes();
+}
+
+std::string closing_lines(const World& world, const SummaryModel& model)
+{
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    const Counts counts = {static_cast<unsigned>(tally.passed), static_cast<unsigned>(tally.failed),
+                           static_cast<unsigned>(tally.errored)};
+    return world.wants_json ? wrote_with_json(world.page, world.json, counts)
+                            : wrote(world.page, counts);
+}
+
+bool fails_run(const ReportEntry& entry)
+{
+    return (entry.kind == ReportKind::Analyzed && entry.passed == 0) ||
+           entry.kind == ReportKind::RunError || entry.kind == ReportKind::Unreadable;
 }
 
 std::string message_for(const World& world, Effect end)
@@ -234,38 +273,38 @@ std::vector<std::string> forecast_list(const World& world, const Listings& listi
     return List(world, listings, Consequences(world, failed)).paths();
 }
 
-Outcome forecast(const World& world, const Listings& listings,
-                 const std::vector<CallRecord>& failed)
+Aftermath forecast(const World& world, const Listings& listings,
+                   const std::vector<CallRecord>& failed)
 {
     const Consequences faults(world, failed);
-    Outcome outcome = {1, "", "", world.older_page, world.older_json, {}};
+    Aftermath after = {1, "", "", world.older_page, world.older_json, {}};
     std::optional<Effect> end = faults.end;
     if (end != Effect::NoInput && end != Effect::NoMemory) {
-        outcome.folders = make_folders(world, faults, end);
+        after.folders = make_folders(world, faults, end);
     }
-    if (end && !faults.has(Effect::LosesPrint)) {
-        outcome.errors = message_for(world, *end);
+    if (end) {
+        after.errors = message_for(world, *end);
     }
     if (end && *end != Effect::CutPage && *end != Effect::NoJson && *end != Effect::CutJson) {
-        return outcome;
+        return after;
     }
-    const std::vector<ListedFile> files = files_of(world, listings, faults);
-    outcome.page = page_of(INPUT, files, faults.has(Effect::BareLinks) ? "" : world.link_prefix,
-                           page_time(faults));
+    const std::vector<ReportEntry> entries = entries_of(world, listings, faults);
+    const SummaryModel model = {INPUT, entries.data(), entries.size(), VERSION_TEXT};
+    after.page = page_of(world, model, faults);
     if (end == Effect::CutPage) {
-        outcome.page->resize(faults.end_number);
+        after.page->resize(faults.end_number);
     }
     if (end == Effect::CutPage || end == Effect::NoJson) {
-        return outcome;
+        return after;
     }
     if (world.wants_json) {
-        outcome.json = json_of(INPUT, files);
+        after.json = json_of(model);
     }
     if (end == Effect::CutJson) {
-        outcome.json->resize(faults.end_number);
-        return outcome;
+        after.json->resize(faults.end_number);
+        return after;
     }
-    outcome.output = printed_closing(world, files, faults);
-    outcome.status = status_of(files);
-    return outcome;
+    after.output = closing_lines(world, model);
+    after.status = std::any_of(entries.begin(), entries.end(), fails_run) ? 1 : 0;
+    return after;
 }

@@ -6,6 +6,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "cli/sample_reports.h"
+#include "report/read_analyze_report.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -19,40 +22,37 @@ std::string numbered(const std::string& stem, int number)
     return stem + std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits + ".html";
 }
 
-KnownFile passed(int number)
+std::string tab(const std::string& name, const std::string& marks)
 {
-    KnownFile file = {Verdict::Pass, "Mode " + std::to_string(number % 3), "", {}, {}, ""};
+    return "<a href=\"#check\"" + marks + ">" + name + "</a>\n";
+}
+
+std::string passed(int number)
+{
+    std::string text = passed_report() +
+                       "<div class=\"k\">Analysis Mode</div>\n<div class=\"v\">Mode " +
+                       std::to_string(number % 3) + "</div>\n";
     if (number % 4 == 0) {
-        file.sub_mode = "Variant <" + std::to_string(number) + ">";
+        text += "<div class=\"kpi-sub\">Variant &lt;" + std::to_string(number) + "&gt;</div>\n";
     }
-    if (number % 5 == 0) {
-        file.non_gating_checks = {"Dither", "Hum & noise"};
-    }
-    return file;
+    const bool has_non_gating = number % 5 == 0;
+    return text + "<nav class=\"nav-tabs\">\n" + tab("Level", "") +
+           (has_non_gating ? tab("Hum &amp; noise", " data-fail data-nongating") : "") + "</nav>\n";
 }
 
-KnownFile failed(int number)
+std::string failed(int number)
 {
-    KnownFile file = {Verdict::Fail, "", "", {"Noise " + std::to_string(number), "Phase"}, {}, ""};
-    if (number % 2 == 0) {
-        file.non_gating_checks = {"Dither"};
-    }
-    return file;
+    const bool has_non_gating = number % 2 == 0;
+    return failed_report() + "<nav class=\"nav-tabs\">\n" +
+           tab("Noise " + std::to_string(number), " data-fail") + tab("Phase", " data-fail") +
+           (has_non_gating ? tab("Dither", " data-fail data-nongating") : "") + "</nav>\n";
 }
 
-KnownFile errored(int number)
+std::string errored(int number)
 {
-    return {Verdict::Error,
-            "",
-            "",
-            {},
-            {},
-            number % 3 == 0 ? "" : "cannot open \"take " + std::to_string(number) + "\" & <stop>"};
-}
-
-KnownFile other()
-{
-    return {Verdict::Other, "", "", {}, {}, ""};
+    return errored_report(number % 3 == 0 ? ""
+                                          : "cannot open \"take " + std::to_string(number) +
+                                                "\" &amp; &lt;stop&gt;");
 }
 
 // Each of the many tests makes a tree, each of its many runs two files.
@@ -110,15 +110,12 @@ World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
-    link_prefix = "../in/";
     temp_.make_folder("out");
     if (scene == Scene::OlderPage) {
         page = "in/latest/summary.html";
-        link_prefix = "../";
         add_older_outputs();
     } else if (scene == Scene::MissingFolders) {
         page = "new/below/it/summary.html";
-        link_prefix = "../../../in/";
         missing_folders = {"new", "new/below", "new/below/it"};
     } else if (scene == Scene::NoJson) {
         wants_json = false;
@@ -134,6 +131,7 @@ World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())
         add_oddities();
     }
     reset();
+    read_files();
 }
 
 World::~World()
@@ -142,10 +140,19 @@ World::~World()
     fs::current_path(before_, ignored);
 }
 
-void World::add(const std::string& path, const KnownFile& file)
+void World::add(const std::string& path, const std::string& document)
 {
-    temp_.write("in/" + path, document_of(file));
-    files[path] = file;
+    temp_.write("in/" + path, document);
+    files[path];
+    if (document.empty()) {
+        empty_files.insert(path);
+    }
+}
+
+void World::add_link(const std::string& target, const std::string& path)
+{
+    temp_.link(target, "in/" + path);
+    files[path];
 }
 
 void World::add_few()
@@ -153,7 +160,7 @@ void World::add_few()
     for (int i = 0; i < 12; ++i) {
         add(numbered(i < 6 ? "passed" : "album/passed", i), passed(i));
     }
-    add("notes.html", other());
+    add("notes.html", "");
 }
 
 void World::add_many()
@@ -174,7 +181,7 @@ void World::add_tree()
         add(numbered(i < 6 ? "errored" : ".hidden/errored", i), errored(i));
     }
     for (int i = 0; i < 6; ++i) {
-        add(numbered(i < 3 ? "notes" : "a/notes", i), other());
+        add(numbered(i < 3 ? "notes" : "a/notes", i), "");
     }
 }
 
@@ -184,11 +191,10 @@ void World::add_oddities()
     temp_.write("in/a/b/plain.txt", "not listed");
     temp_.make_folder("in/empty");
     temp_.link("nowhere.html", "in/dangling.html");
-    temp_.link("album/passed060.html", "in/again.html");
-    files["again.html"] = passed(60);
+    add_link("album/passed060.html", "again.html");
     temp_.link("../a/b", "in/album/elsewhere");
     for (int i = 6; i < 12; ++i) {
-        files[numbered("album/elsewhere/c/failed", i)] = failed(i);
+        files[numbered("album/elsewhere/c/failed", i)];
     }
 }
 
@@ -196,11 +202,15 @@ void World::add_older_outputs()
 {
     older_page = OLDER_PAGE;
     older_json = OLDER_JSON;
-    temp_.make_folder("in/latest");
-    temp_.link("latest/summary.html", "in/alias.html");
+    add("latest/summary.html", OLDER_PAGE);
+    add_link("latest/summary.html", "alias.html");
     page_names = {"latest/summary.html", "alias.html"};
-    for (const std::string& name : page_names) {
-        files[name] = other();
+}
+
+void World::read_files()
+{
+    for (auto& [path, entry] : files) {
+        read_analyze_report((std::string(INPUT) + "/" + path).c_str(), path.c_str(), entry);
     }
 }
 
