@@ -21,17 +21,18 @@ struct Aftermath
     std::vector<std::string> folders; // those of World::missing_folders that there are
 };
 
-// What a failed call comes to.
+// What a failed call comes to. The first ones end the run, the sooner the earlier they stand.
 enum class Effect
 {
+    NoInput,  // the input directory's message
+    NoMemory, // "out of memory"
+    NoFolder, // the folder's message
+    NoPage,   // the page's message, an older page as it was
+    CutPage,  // the same, but the page is what was written before
+    NoJson,   // the JSON's message, older JSON as it was
+    CutJson,  // the same, but the JSON is what was written before
+    Completes,
     Nothing,
-    NoInput,       // ends the run: the input directory's message
-    NoMemory,      // ends the run: "out of memory"
-    NoFolder,      // ends the run: the folder's message
-    NoPage,        // ends the run: the page's message, an older page as it was
-    CutPage,       // the same, but the page is what was written before
-    NoJson,        // ends the run: the JSON's message, older JSON as it was
-    CutJson,       // the same, but the JSON is what was written before
     ClaimsFolder,  // a missing folder counts as made
     HidesFolder,   // what is below it is not listed
     EndsFolder,    // what would have been listed after it is not

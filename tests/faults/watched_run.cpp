@@ -118,7 +118,7 @@ void WatchedRun::intercept_memory()
         }
         hold(block);
         if (phase_ == Phase::Entries && block != nullptr) {
-            enter(Phase::Reading);
+            phase_ = Phase::Reading;
         }
         return block;
     });
@@ -185,7 +185,7 @@ void WatchedRun::intercept_folders()
     // The first opening only tries whether there is such a directory.
     intercept(opendir_call, [this](const auto& next, const char* path) -> DIR* {
         if (phase_ == Phase::Start && count(Call::Opendir) > 0) {
-            enter(Phase::Walk);
+            phase_ = Phase::Walk;
         }
         DIR* listing = refuses(Call::Opendir, EMFILE, path) ? nullptr : next(path);
         if (listing != nullptr) {
@@ -243,7 +243,7 @@ void WatchedRun::intercept_texts()
     intercept(format_call, [this](const auto& next, char* text, std::size_t size,
                                   const char* format, va_list values) {
         begin_assembling();
-        const bool refused = refuses(Call::Format, ENOMEM, {}, count(Call::Format));
+        const bool refused = refuses(Call::Format, ENOMEM, std::to_string(count(Call::Format)));
         const int length = next(text, size, format, values);
         return refused ? fail_half_way(text, size, length) : length;
     });
@@ -289,23 +289,18 @@ bool WatchedRun::refuses(Call call, int error, std::string_view subject, std::ui
     return true;
 }
 
-void WatchedRun::enter(Phase phase)
-{
-    phase_ = phase;
-}
-
 // The folders above the page are looked at before, one at least.
 void WatchedRun::begin_assembling()
 {
     if (phase_ == Phase::Folders) {
-        enter(Phase::Page);
+        phase_ = Phase::Page;
     }
 }
 
 void WatchedRun::begin_folders()
 {
     if (phase_ == Phase::Entries || phase_ == Phase::Reading) {
-        enter(Phase::Folders);
+        phase_ = Phase::Folders;
     }
 }
 
@@ -314,7 +309,7 @@ void WatchedRun::opened(const char* path, bool for_writing)
     file_ = path;
     written_ = 0;
     if (for_writing) {
-        enter(file_ == page_ ? Phase::PageFile : Phase::JsonFile);
+        phase_ = file_ == page_ ? Phase::PageFile : Phase::JsonFile;
     }
 }
 
@@ -325,16 +320,16 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        enter(with_json_ ? Phase::Json : Phase::Closing);
+        phase_ = with_json_ ? Phase::Json : Phase::Closing;
     } else if (phase_ == Phase::JsonFile) {
-        enter(Phase::Closing);
+        phase_ = Phase::Closing;
     }
 }
 
 void WatchedRun::leave_folder()
 {
     if (phase_ == Phase::Walk && folders_.empty()) {
-        enter(Phase::Entries);
+        phase_ = Phase::Entries;
     }
 }
 

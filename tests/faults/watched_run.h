@@ -82,9 +82,9 @@ struct CallRecord
     Call call;
     Phase phase;
     Answer answer;         // Refuse in the record of a call that did not fail
-    std::string subject;   // path that the call is about; empty where there is none
+    std::string subject;   // path that the call is about, Format: such calls so far; else empty
     std::uint64_t number;  // Readdir: entries of this folder so far; Write: bytes of this
-                           // file so far; Format: such calls so far; else 0
+                           // file so far; else 0
     std::string_view name; // what the linker calls the call
 
     bool operator==(const CallRecord&) const = default;
@@ -159,7 +159,6 @@ private:
     std::optional<Answer> ask(Call call, std::string_view subject, std::uint64_t number = 0);
     bool refuses(Call call, int error, std::string_view subject = {}, std::uint64_t number = 0);
 
-    void enter(Phase phase);
     void begin_assembling();
     void begin_folders();
     void opened(const char* path, bool for_writing);

@@ -62,25 +62,6 @@ fs::path quick_parent()
     return access(IN_MEMORY, W_OK | X_OK) == 0 ? fs::path(IN_MEMORY) : fs::temp_directory_path();
 }
 
-// Without streams, for it is done before each of many thousand runs.
-void write_bytes(const std::string& path, const std::string& bytes)
-{
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (file < 0 || write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()) ||
-        close(file) != 0) {
-        std::abort();
-    }
-}
-
-void restore(const std::string& path, const std::optional<std::string>& bytes)
-{
-    if (bytes) {
-        write_bytes(path, *bytes);
-    } else {
-        unlink(path.c_str());
-    }
-}
-
 } // namespace
 
 const char* name_of(Scene scene)
@@ -216,10 +197,15 @@ void World::read_files()
 
 void World::reset() const
 {
-    restore(page, older_page);
-    restore(json, older_json);
+    for (const auto& [path, bytes] : {std::pair(page, older_page), std::pair(json, older_json)}) {
+        if (bytes) {
+            temp_.write(path, *bytes);
+        } else {
+            fs::remove(path);
+        }
+    }
     for (auto folder = missing_folders.rbegin(); folder != missing_folders.rend(); ++folder) {
-        rmdir(folder->c_str());
+        fs::remove(*folder);
     }
 }
 
