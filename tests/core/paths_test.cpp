@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "core/paths.h"
+#include "support/deep_tree.h"
 #include "support/process.h"
 #include "support/temp_folder.h"
 
@@ -61,15 +62,6 @@ std::optional<std::string> relative(std::string_view from, std::string_view to,
     return fits ? std::optional(output.text()) : std::nullopt;
 }
 
-std::string repeated(std::string_view text, std::size_t count)
-{
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 // "/c1/c2/.../c<count>"
 std::string numbered(std::size_t count)
 {
@@ -77,19 +69,6 @@ std::string numbered(std::size_t count)
     for (std::size_t i = 1; i <= count; ++i) {
         path += "/c" + std::to_string(i);
     }
-    return path;
-}
-
-// A folder below temp whose path has exactly length characters.
-std::string make_folder_of_length(const TempFolder& temp, std::size_t length)
-{
-    std::string path = temp.path();
-    while (path.size() < length) {
-        const std::size_t room = length - path.size() - 1;
-        const std::size_t name = room <= 200 ? room : std::min<std::size_t>(200, room - 2);
-        path += "/" + std::string(name, 'd');
-    }
-    std::filesystem::create_directories(path);
     return path;
 }
 
@@ -177,7 +156,7 @@ TEST(ResolvePath, KeepsEveryByteOfAName)
 TEST(ResolvePath, TakesACanonicalPathOf4095CharactersAndNoLonger)
 {
     const TempFolder temp;
-    const std::string folder = make_folder_of_length(temp, 4090);
+    const std::string folder = make_folder_of_length(temp.path(), 4090);
     const std::string file = folder + "/1234";
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
     ASSERT_GE(descriptor, 0);

@@ -3,9 +3,6 @@
 #include <cstdlib>
 #include <ostream>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "cli/sample_reports.h"
 #include "report/read_analyze_report.h"
 
@@ -55,13 +52,6 @@ std::string errored(int number)
                                                 "\" &amp; &lt;stop&gt;");
 }
 
-// Each of the many tests makes a tree, each of its many runs two files.
-fs::path quick_parent()
-{
-    constexpr char IN_MEMORY[] = "/dev/shm";
-    return access(IN_MEMORY, W_OK | X_OK) == 0 ? fs::path(IN_MEMORY) : fs::temp_directory_path();
-}
-
 } // namespace
 
 const char* name_of(Scene scene)
@@ -87,7 +77,7 @@ void PrintTo(Scene scene, std::ostream* output)
     *output << name_of(scene);
 }
 
-World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())
+World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path())
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
