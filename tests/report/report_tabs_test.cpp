@@ -53,6 +53,8 @@ TEST(ReportTabs, AReportWithoutABarHasNoNames)
     expect_names(gating_tab("Level"), {}, {});
     expect_names("<nav class=\"nav-tab\">" + gating_tab("Level") + "</nav>", {}, {});
     expect_names("<nav class='nav-tabs'>" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<nav class=\"nav-tabs\" >" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<nav class=\"nav-tabs\"" + gating_tab("Level") + "</nav>", {}, {});
     expect_names("<NAV class=\"nav-tabs\">" + gating_tab("Level") + "</nav>", {}, {});
 }
 
@@ -81,6 +83,12 @@ TEST(ReportTabs, OnlyTheFirstBarCounts)
 {
     expect_names(bar(gating_tab("one")) + bar(gating_tab("two")), {"one"}, {});
     expect_names(bar("") + bar(gating_tab("two")), {}, {});
+}
+
+TEST(ReportTabs, TextBeforeTheOpeningTagMarksNoTab)
+{
+    expect_passed_over(" data-fail data-nongating <a x>no</a> data-fail ");
+    expect_names(bar(" data-nongating " + gating_tab("Level")), {"Level"}, {});
 }
 
 TEST(ReportTabs, ATagOfExactlyADataFailIsAFailingGatingTab)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "report/read_analyze_report.h"
 #include "report/scraped_report.h"
 
 using namespace std::string_literals;
@@ -122,6 +123,17 @@ TEST(ReportVerdict, TheFirstLabelCounts)
     expect_verdict(verdict("FAIL") + verdict("PASS"), false);
     expect_verdict(verdict("PASS") + verdict("ERROR"), true);
     expect_verdict(LABEL + verdict("PASS"), true);
+    expect_verdict("Once " + verdict("FAIL") + verdict("PASS"), false);
+}
+
+TEST(ReportVerdict, ALabelThatBeginsBeforeTheDocumentIsNone)
+{
+    const std::string report = verdict("PASS");
+    for (std::size_t cut = 1; cut <= report.size(); ++cut) {
+        ReportEntry entry = old_entry();
+        scrape_analyze_report(report.c_str() + cut, RELATIVE_PATH, entry);
+        EXPECT_EQ(visible_fields(entry), empty_report(ReportKind::NotAnalyzeReport)) << cut;
+    }
 }
 
 TEST(RunErrorText, IsReadWhereverTheParagraphStands)
