@@ -30,7 +30,7 @@ Questions questions_about(const TempFolder& temp)
     temp.chmod("", 0777);
     const ProcessResult result =
         run_process("/usr/bin/env",
-                    {"strace", "-f", "-e", "trace=file", "-o", "trace", FTHSUMMARY_PROGRAM,
+                    {"strace", "-f", "-e", "trace=file", "-o", "trace", fthsummary_program(),
                      "--input", temp.path("in"), "-o", "s.html"},
                     {.folder = temp.path(),
                      .unprivileged = true,

@@ -8,7 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "cli/deep_tree.h"
+#include "support/deep_tree.h"
 #include "cli/expected_texts.h"
 #include "cli/process_limits.h"
 #include "cli/program_run.h"

@@ -9,8 +9,6 @@
 
 namespace {
 
-MemoryFileSystem* living = nullptr;
-
 std::string parent_of(const std::string& place)
 {
     return place.empty() ? place : place.substr(0, place.rfind('/'));
@@ -24,49 +22,27 @@ int result_of(int error)
 
 } // namespace
 
-extern "C" {
-int __real_mkdir(const char* path, mode_t mode);
-int __real_stat(const char* path, struct stat* status);
-int __wrap_mkdir(const char* path, mode_t mode);
-int __wrap_stat(const char* path, struct stat* status);
-
-int __wrap_mkdir(const char* path, mode_t mode)
-{
-    if (living == nullptr) {
-        return __real_mkdir(path, mode);
-    }
-    const int error = living->make_folder(path);
-    if (error == 0) {
-        living->note_permissions(mode);
-    }
-    return result_of(error);
-}
-
-int __wrap_stat(const char* path, struct stat* status)
-{
-    if (living == nullptr) {
-        return __real_stat(path, status);
-    }
-    MemoryFileSystem::Kind kind = MemoryFileSystem::Kind::File;
-    const int error = living->find(path, kind);
-    if (error == 0) {
-        *status = {};
-        status->st_mode = kind == MemoryFileSystem::Kind::File ? S_IFREG | 0644 : S_IFDIR | 0755;
-    }
-    return result_of(error);
-}
-}
-
 MemoryFileSystem::MemoryFileSystem(Tree tree, std::string current_folder)
-    : tree_(std::move(tree)), current_folder_(std::move(current_folder))
+    : tree_(std::move(tree)), current_folder_(std::move(current_folder)),
+      mkdir_(mkdir_call,
+             [this](const auto&, const char* path, mode_t mode) {
+                 const int error = make_folder(path);
+                 if (error == 0) {
+                     note_permissions(mode);
+                 }
+                 return result_of(error);
+             }),
+      stat_(stat_call, [this](const auto&, const char* path, struct stat* status) {
+          Kind kind = Kind::File;
+          const int error = find(path, kind);
+          if (error == 0) {
+              *status = {};
+              status->st_mode = kind == Kind::File ? S_IFREG | 0644 : S_IFDIR | 0755;
+          }
+          return result_of(error);
+      })
 {
     tree_.emplace("", Kind::Folder);
-    living = this;
-}
-
-MemoryFileSystem::~MemoryFileSystem()
-{
-    living = nullptr;
 }
 
 const MemoryFileSystem::Tree& MemoryFileSystem::tree() const

@@ -1,14 +1,15 @@
 // A file system that exists in memory only, so that tests may make folders anywhere,
 // below "/" too, and find out what was made.
 //
-// Test programs that use it are linked with --wrap for mkdir and stat, so the calls
-// that our own objects make go to it while one lives, and to the system otherwise.
+// The mkdir and stat of our own objects go to it while one lives.
 
 #pragma once
 
 #include <map>
 #include <string>
 #include <vector>
+
+#include "support/intercepted_calls.h"
 
 // Folders and files without contents, by absolute path; the root is "". One at a time.
 // Paths mean what they mean to the system: "/" alone separates, and "." and ".." lead
@@ -26,9 +27,6 @@ public:
 
     // The tree holds the current folder and everything above its entries.
     MemoryFileSystem(Tree tree, std::string current_folder);
-    ~MemoryFileSystem();
-    MemoryFileSystem(const MemoryFileSystem&) = delete;
-    MemoryFileSystem& operator=(const MemoryFileSystem&) = delete;
 
     const Tree& tree() const;
 
@@ -47,4 +45,6 @@ private:
     Tree tree_;
     std::string current_folder_;
     std::vector<unsigned> permissions_;
+    Interception<int, const char*, mode_t> mkdir_;
+    Interception<int, const char*, struct stat*> stat_;
 };

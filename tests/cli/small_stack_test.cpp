@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "cli/deep_tree.h"
+#include "support/deep_tree.h"
 #include "cli/expected_texts.h"
 #include "cli/process_limits.h"
 #include "cli/program_run.h"

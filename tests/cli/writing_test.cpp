@@ -563,11 +563,10 @@ TEST_F(Writing, EachOutputFileIsHandedToTheSystemInOneCall)
 {
     const std::string strace = find_strace();
     ASSERT_NE(strace, "") << "strace is missing: install it to run the tests";
-    ASSERT_EQ(access(FTHSUMMARY_PROGRAM, X_OK), 0) << "no program at " << FTHSUMMARY_PROGRAM;
     const ProcessResult result =
         run_process(strace,
                     {"-f", "-y", "-s", "0", "-e", "trace=write,writev,pwrite64,pwritev,pwritev2",
-                     "-o", "trace", FTHSUMMARY_PROGRAM, "--input", "in", "-o", "s.html", "--json"},
+                     "-o", "trace", fthsummary_program(), "--input", "in", "-o", "s.html", "--json"},
                     {.folder = temp.path(), .environment = {"ASAN_OPTIONS=detect_leaks=0"}});
     expect_run(result, 1, wrote("s.html", "s.json"), "");
     const std::string trace = temp.read("trace");

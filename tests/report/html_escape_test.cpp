@@ -5,7 +5,7 @@
 
 #include "report/html_entities.h"
 #include "report/html_escape.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 

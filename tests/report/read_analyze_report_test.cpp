@@ -9,7 +9,7 @@
 
 #include "report/read_analyze_report.h"
 #include "report/scraped_report.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 #include "support/process.h"
 #include "support/temp_folder.h"
 

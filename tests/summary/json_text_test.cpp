@@ -8,7 +8,7 @@
 
 #include "summary/json_summary.h"
 #include "summary/page_model.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 

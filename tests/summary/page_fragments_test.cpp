@@ -9,7 +9,7 @@
 
 #include "summary/page_fragments.h"
 #include "summary/page_model.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 #include "support/temp_folder.h"
 
 namespace {

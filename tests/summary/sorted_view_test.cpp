@@ -7,7 +7,7 @@
 
 #include "summary/page_model.h"
 #include "summary/sorted_view.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 
@@ -133,7 +133,7 @@ TEST(SortedView, StaysEmptyWhenEitherAllocationFails)
     for (const std::uint64_t number : {1U, 2U}) {
         SortedView view;
         sorted_view_init(view);
-        const AllocationFault fault(number, AllocationFault::Length::Once);
+        const AllocationFault fault(number, Length::Once);
         EXPECT_FALSE(sorted_view_fill(view, model, 2));
         EXPECT_EQ(fault.failures(), 1U);
         EXPECT_EQ(view.entries, nullptr);

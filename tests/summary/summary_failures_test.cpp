@@ -14,7 +14,7 @@
 #include "summary/page_model.h"
 #include "summary/report_tables.h"
 #include "summary/summary_page.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 #include "support/process.h"
 #include "support/temp_folder.h"
 
@@ -100,7 +100,7 @@ void fail_growth_from_a_text_on(WriteSummary write, const char* SummaryModel::*t
         ASSERT_TRUE(write("/dev/null", model));
         const std::uint64_t allocations = allocation_count() - before;
         for (std::uint64_t number = 1; number <= allocations; ++number) {
-            const AllocationFault fault(number, AllocationFault::Length::Once);
+            const AllocationFault fault(number, Length::Once);
             ASSERT_FALSE(write("/dev/null", model)) << "text of " << filling.size();
         }
     }
@@ -125,7 +125,7 @@ void expect_false_at_every_byte(const Append& append, std::size_t step = 1)
             ASSERT_TRUE(append(roomy.buffer));
             own_allocations = allocation_count() - before;
         }
-        const AllocationFault fault(own_allocations + 1, AllocationFault::Length::Once);
+        const AllocationFault fault(own_allocations + 1, Length::Once);
         ASSERT_EQ(append(cut.buffer), room == text.size()) << "room for " << room;
         const std::string part = without_digits(cut.text().substr(start));
         ASSERT_LE(part.size(), room);
@@ -149,7 +149,7 @@ TEST(SummaryFailures, EachAllocationThatFailsLeavesAnOlderFileAsItWas)
         together(one_of_each_kind(), entries_of(paths, failed_report));
     for (const WriteSummary write : WRITERS) {
         for (const auto length :
-             {AllocationFault::Length::Once, AllocationFault::Length::FromThenOn}) {
+             {Length::Once, Length::FromThenOn}) {
             EXPECT_GE(fail_each_allocation(write, model_of(entries), length), 5U);
             EXPECT_GE(fail_each_allocation(write, model_of({}), length), 1U);
         }
@@ -217,7 +217,7 @@ TEST(SummaryFailures, ResultsSectionAppendsNothingWhenItsSortedViewCannotBeAlloc
 {
     AppendedText section;
     ASSERT_TRUE(text_buffer_append(section.buffer, std::string(2000, '.')));
-    const AllocationFault fault(1, AllocationFault::Length::Once);
+    const AllocationFault fault(1, Length::Once);
     EXPECT_FALSE(append_results_section(section.buffer, model_of({}), "summary.html", 0, 0, 0));
     EXPECT_EQ(section.buffer.length, 2000U);
 }
