@@ -208,7 +208,6 @@ int __wrap_mkdir(const char* path, mode_t mode)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static std::array<char, TEXT_SIZE> text;
-    static std::array<char, LONG_PATH_BUFFER_SIZE> path_buffer;
     static Trace expected;
 
     Input input(data, size);
@@ -221,7 +220,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     expected.count = 0;
 
     files.active = true;
-    const bool created = create_page_folders(page_path.view(), path_buffer.data());
+    const bool created = create_page_folders(page_path.view());
     files.active = false;
 
     require(created == expect_run(expected), "whether the folders could be created");

@@ -134,10 +134,8 @@ struct Trial
 
 Trial try_program(const Start& start, const std::string& page)
 {
-    std::array<char, LONG_PATH_BUFFER_SIZE> buffer;
-    std::fill_n(buffer.begin(), 64, FILLER); // so that a NUL that is not written is missed
     MemoryFileSystem files(start.tree, "/nest/nest");
-    const bool created = create_page_folders(page, buffer.data());
+    const bool created = create_page_folders(page);
     return {created, files.tree(), files.all_made_with(0755)};
 }
 
@@ -167,7 +165,8 @@ std::string json_path(const std::string& page)
     std::array<char, LONG_PATH_BUFFER_SIZE> buffer;
     const std::size_t looked_at = page.size() + 32;
     std::fill_n(buffer.begin(), looked_at, FILLER);
-    make_json_path(page, buffer.data());
+    BoundedText path = {buffer.data(), buffer.size(), 0};
+    EXPECT_TRUE(append_json_path(path, page));
     const std::string_view looked(buffer.data(), looked_at);
     const std::size_t end = looked.find('\0');
     const bool untouched = looked.find_first_not_of(FILLER, end + 1) == std::string_view::npos;

@@ -27,15 +27,14 @@ std::string json_path(std::string_view page_path)
 {
     std::array<char, LONG_PATH_BUFFER_SIZE> buffer;
     buffer.fill('#');
-    make_json_path(page_path, buffer.data());
+    BoundedText path = {buffer.data(), buffer.size(), 0};
+    EXPECT_TRUE(append_json_path(path, page_path));
     return buffer.data();
 }
 
 bool create_folders(std::string_view page_path)
 {
-    std::array<char, LONG_PATH_BUFFER_SIZE> buffer;
-    buffer.fill('#');
-    return create_page_folders(page_path, buffer.data());
+    return create_page_folders(page_path);
 }
 
 // The same for a page path relative to the temporary folder, as an ordinary user
