@@ -1,4 +1,4 @@
-// The built program on as many files as a suite may ever have. tools/test-large does
+// The built program on as many files as a suite may ever have. tools/deep/large does
 // the same with a million names.
 
 #include <algorithm>
