@@ -16,7 +16,7 @@
 namespace {
 
 constexpr rlim_t STEP = rlim_t{128} * 1024; // bytes
-constexpr rlim_t PLENTY = rlim_t{12} * 1024 * 1024;
+constexpr rlim_t PLENTY = rlim_t{32} * 1024 * 1024;
 constexpr int FILES = 1000;
 
 // Beside "empty", "in" has so many files that each stage needs several steps more than
