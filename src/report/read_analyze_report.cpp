@@ -140,7 +140,8 @@ bool has_mark(const Tab& tab, std::string_view mark)
     return tab.opening_tag.find(mark) != std::string_view::npos;
 }
 
-// Stops when either list is full, even if the other has room: that is meant.
+// Stops when either list is full, even if the other has room, so that no failing tab is
+// left out between two that are listed.
 void read_check_tabs(const char* document, ReportEntry& entry)
 {
     std::string_view rest = find_tab_bar(document);
@@ -230,7 +231,7 @@ void read_analyze_report(const char* full_path, const char* relative_path, Repor
     init_entry(entry, relative_path);
     char* document = nullptr;
     if (read_whole_file(full_path, document)) {
-        scrape_analyze_report(document, relative_path, entry);
+        scrape(document, entry);
         std::free(document);
     }
 }

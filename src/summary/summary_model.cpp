@@ -4,12 +4,20 @@ SummaryTally tally_entries(const ReportEntry* entries, std::uint64_t count)
 {
     SummaryTally tally = {};
     for (std::uint64_t i = 0; i < count; ++i) {
-        if (entries[i].kind == ReportKind::Analyzed) {
-            ++(entries[i].passed != 0 ? tally.passed : tally.failed);
-        } else if (entries[i].kind == ReportKind::RunError) {
+        switch (outcome_of(entries[i])) {
+        case Outcome::Passed:
+            ++tally.passed;
+            break;
+        case Outcome::Failed:
+            ++tally.failed;
+            break;
+        case Outcome::Errored:
             ++tally.errored;
-        } else {
+            break;
+        case Outcome::NoReport:
+        case Outcome::Unreadable:
             ++tally.other;
+            break;
         }
     }
     return tally;
@@ -22,5 +30,14 @@ std::uint64_t total_reports(const SummaryTally& tally)
 
 bool is_report(const ReportEntry& entry)
 {
-    return entry.kind == ReportKind::Analyzed || entry.kind == ReportKind::RunError;
+    switch (outcome_of(entry)) {
+    case Outcome::Passed:
+    case Outcome::Failed:
+    case Outcome::Errored:
+        return true;
+    case Outcome::NoReport:
+    case Outcome::Unreadable:
+        break;
+    }
+    return false;
 }

@@ -72,21 +72,3 @@ inline std::string wrote_with_json(std::string_view page, std::string_view json,
     return "wrote " + std::string(page) + " (" + counts_text(counts) + ") + json\nwrote " +
            std::string(json) + "\n";
 }
-
-// The whole JSON file for a directory without any report or other file.
-inline std::string empty_json(std::string_view input)
-{
-    return "{\n"
-           "    \"scanned_directory\": \"" +
-           std::string(input) +
-           "\",\n"
-           "    \"total_reports\": 0,\n"
-           "    \"passed\": 0,\n"
-           "    \"failed\": 0,\n"
-           "    \"errored\": 0,\n"
-           "    \"reports\": [\n"
-           "],\n"
-           "    \"other_files\": [\n"
-           "]\n"
-           "}\n";
-}
