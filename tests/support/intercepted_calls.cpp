@@ -1,0 +1,146 @@
+#include "support/intercepted_calls.h"
+
+#include <string>
+
+#include <fcntl.h>
+
+namespace {
+
+const char* name_of_call = "";
+
+} // namespace
+
+const char* called_name()
+{
+    return name_of_call;
+}
+
+// Declares the C library's own function and defines the one that the linker puts in its
+// place.
+#define INTERCEPT(result, name, parameters, ...)                                                   \
+    extern "C" result __real_##name parameters;                                                    \
+    extern "C" result __wrap_##name parameters;                                                    \
+    InterceptedCall<result parameters> name##_call = {__real_##name, nullptr, 0};                  \
+    result __wrap_##name parameters                                                                \
+    {                                                                                              \
+        name_of_call = #name;                                                                      \
+        return name##_call.make(__VA_ARGS__);                                                      \
+    }
+
+INTERCEPT(void*, malloc, (std::size_t size), size)
+INTERCEPT(void*, realloc, (void* block, std::size_t size), block, size)
+INTERCEPT(void, free, (void* block), block)
+INTERCEPT(int, madvise, (void* block, std::size_t size, int advice), block, size, advice)
+INTERCEPT(int, mallopt, (int parameter, int value), parameter, value)
+INTERCEPT(off_t, lseek, (int file, off_t offset, int whence), file, offset, whence)
+INTERCEPT(ssize_t, pread, (int file, void* bytes, std::size_t count, off_t offset), file, bytes,
+          count, offset)
+INTERCEPT(ssize_t, write, (int file, const void* bytes, std::size_t count), file, bytes, count)
+INTERCEPT(int, close, (int file), file)
+INTERCEPT(DIR*, opendir, (const char* path), path)
+INTERCEPT(dirent*, readdir, (DIR * listing), listing)
+INTERCEPT(int, closedir, (DIR * listing), listing)
+INTERCEPT(int, stat, (const char* path, struct stat* status), path, status)
+INTERCEPT(int, mkdir, (const char* path, mode_t mode), path, mode)
+INTERCEPT(char*, realpath, (const char* path, char* resolved), path, resolved)
+INTERCEPT(std::time_t, time, (std::time_t * now), now)
+INTERCEPT(std::tm*, gmtime_r, (const std::time_t* time, std::tm* parts), time, parts)
+INTERCEPT(std::size_t, strftime,
+          (char* text, std::size_t size, const char* format, const std::tm* parts), text, size,
+          format, parts)
+
+// The rest are variadic or go by several names: which one the compiler takes depends on
+// what it optimises and checks.
+extern "C" int __real_open(const char* path, int flags, ...);
+extern "C" int __real_vsnprintf(char* text, std::size_t size, const char* format, va_list values);
+extern "C" std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count,
+                                     FILE* stream);
+
+namespace {
+
+int open_file(const char* path, int flags, mode_t mode)
+{
+    return __real_open(path, flags, mode);
+}
+
+std::size_t print_text(FILE* stream, std::string_view text)
+{
+    return __real_fwrite(text.data(), 1, text.size(), stream);
+}
+
+} // namespace
+
+InterceptedCall<int(const char*, int, mode_t)> open_call = {open_file, nullptr, 0};
+InterceptedCall<int(char*, std::size_t, const char*, va_list)> format_call = {__real_vsnprintf,
+                                                                              nullptr, 0};
+InterceptedCall<std::size_t(std::FILE*, std::string_view)> print_call = {print_text, nullptr, 0};
+
+namespace {
+
+bool print(FILE* stream, std::string_view text)
+{
+    return print_call.make(stream, text) == text.size();
+}
+
+int print_formatted(FILE* stream, const char* format, va_list values)
+{
+    va_list measured;
+    va_copy(measured, values);
+    const int length = __real_vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    std::string text(static_cast<std::size_t>(length), '\0');
+    __real_vsnprintf(text.data(), text.size() + 1, format, values);
+    return print(stream, text) ? length : -1;
+}
+
+} // namespace
+
+// Defines a function that stands for another name of one of these.
+#define STAND_IN(result, name, parameters, ...)                                                    \
+    extern "C" result __wrap_##name parameters;                                                    \
+    result __wrap_##name parameters                                                                \
+    {                                                                                              \
+        name_of_call = #name;                                                                      \
+        return __VA_ARGS__;                                                                        \
+    }
+
+// The same for a variadic function, whose last named parameter is last.
+#define STAND_IN_VARIADIC(name, parameters, last, ...)                                             \
+    extern "C" int __wrap_##name parameters;                                                       \
+    int __wrap_##name parameters                                                                   \
+    {                                                                                              \
+        name_of_call = #name;                                                                      \
+        va_list values;                                                                            \
+        va_start(values, last);                                                                    \
+        const int result = __VA_ARGS__;                                                            \
+        va_end(values);                                                                            \
+        return result;                                                                             \
+    }
+
+STAND_IN(char*, __realpath_chk, (const char* path, char* resolved, std::size_t),
+         realpath_call.make(path, resolved))
+STAND_IN(int, vsnprintf, (char* text, std::size_t size, const char* format, va_list values),
+         format_call.make(text, size, format, values))
+STAND_IN(int, __vsnprintf_chk,
+         (char* text, std::size_t size, int, std::size_t, const char* format, va_list values),
+         format_call.make(text, size, format, values))
+STAND_IN(std::size_t, fwrite,
+         (const void* bytes, std::size_t size, std::size_t count, FILE* stream),
+         print(stream, {static_cast<const char*>(bytes), size* count}) ? count : 0)
+STAND_IN(int, fputs, (const char* text, FILE* stream), print(stream, text) ? 0 : EOF)
+
+STAND_IN_VARIADIC(open, (const char* path, int flags, ...), flags,
+                  open_call.make(path, flags, (flags & O_CREAT) != 0 ? va_arg(values, mode_t) : 0))
+STAND_IN_VARIADIC(snprintf, (char* text, std::size_t size, const char* format, ...), format,
+                  format_call.make(text, size, format, values))
+STAND_IN_VARIADIC(__snprintf_chk,
+                  (char* text, std::size_t size, int, std::size_t, const char* format, ...), format,
+                  format_call.make(text, size, format, values))
+STAND_IN_VARIADIC(printf, (const char* format, ...), format,
+                  print_formatted(stdout, format, values))
+STAND_IN_VARIADIC(__printf_chk, (int, const char* format, ...), format,
+                  print_formatted(stdout, format, values))
+STAND_IN_VARIADIC(fprintf, (FILE * stream, const char* format, ...), format,
+                  print_formatted(stream, format, values))
+STAND_IN_VARIADIC(__fprintf_chk, (FILE * stream, int, const char* format, ...), format,
+                  print_formatted(stream, format, values))
