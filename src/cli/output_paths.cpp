@@ -33,17 +33,6 @@ bool is_drive(std::string_view path)
     return path.size() == 2 && path[1] == ':';
 }
 
-// The page's path without its last ".html", ".HTML", ".htm" or ".HTM".
-std::string_view without_page_ending(std::string_view path)
-{
-    if (path.ends_with(".html") || path.ends_with(".HTML")) {
-        path.remove_suffix(5);
-    } else if (path.ends_with(".htm") || path.ends_with(".HTM")) {
-        path.remove_suffix(4);
-    }
-    return path;
-}
-
 } // namespace
 
 bool create_page_folders(std::string_view page_path)
@@ -65,5 +54,6 @@ bool create_page_folders(std::string_view page_path)
 
 bool append_json_path(BoundedText& json_path, std::string_view page_path)
 {
-    return append_all(json_path, without_page_ending(page_path), ".json");
+    return append_all(json_path, without_ending(page_path, {".html", ".HTML", ".htm", ".HTM"}),
+                      ".json");
 }

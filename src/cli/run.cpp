@@ -1,6 +1,5 @@
 #include "cli/run.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -75,23 +74,20 @@ bool read_files(const CommandLine& options, Reading& reading)
 }
 
 // Files that are no reports do not count here, unlike in the page's verdict.
-bool fails_run(const ReportEntry& entry)
-{
-    switch (outcome_of(entry)) {
-    case Outcome::Failed:
-    case Outcome::Errored:
-    case Outcome::Unreadable:
-        return true;
-    case Outcome::Passed:
-    case Outcome::NoReport:
-        break;
-    }
-    return false;
-}
-
 int status_of(const SummaryModel& model)
 {
-    return std::any_of(model.entries, model.entries + model.count, fails_run) ? FAILURE : SUCCESS;
+    for (std::uint64_t i = 0; i < model.count; ++i) {
+        switch (outcome_of(model.entries[i])) {
+        case Outcome::Failed:
+        case Outcome::Errored:
+        case Outcome::Unreadable:
+            return FAILURE;
+        case Outcome::Passed:
+        case Outcome::NoReport:
+            break;
+        }
+    }
+    return SUCCESS;
 }
 
 bool report_unwritten(const char* path)

@@ -46,6 +46,17 @@ std::size_t count_shared(const Components& from, const Components& to)
 
 } // namespace
 
+std::string_view without_ending(std::string_view path,
+                                std::initializer_list<std::string_view> endings)
+{
+    for (const std::string_view ending : endings) {
+        if (path.ends_with(ending)) {
+            return path.substr(0, path.size() - ending.size());
+        }
+    }
+    return path;
+}
+
 bool resolve_path(const char* path, char* output, std::uint64_t capacity)
 {
     std::array<char, PATH_BUFFER_SIZE> resolved;

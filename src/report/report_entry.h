@@ -47,17 +47,15 @@ struct ReportEntry
     char error[REPORT_ERROR_SIZE]; // character references decoded
 };
 
-// What an entry came to.
+// What an entry came to. Whoever asks names every outcome in a switch without default,
+// so that the compiler finds all places to which a new one matters.
 enum class Outcome
 {
     Passed,
     Failed,
     Errored,    // the run that it reports on ended in an error
-    NoReport,   // some other page, or of a kind that nobody knows
+    NoReport,   // some other page, or an unknown kind
     Unreadable, // could not be read
 };
 
-// The entry's outcome, by its kind and, where that is Analyzed, by passed. Whoever asks
-// names every outcome in a switch without default, so that the compiler finds all
-// places to which a new one matters.
 [[nodiscard]] Outcome outcome_of(const ReportEntry& entry);

@@ -1,5 +1,6 @@
 #include "scan/scan_reports.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -73,20 +74,14 @@ void leave(Walk& walk)
     closedir(walk.levels[--walk.depth].listing);
 }
 
+// Whether name ends in ending, A to Z and a to z being the same. The ending is in lower
+// case.
 bool ends_in(std::string_view name, std::string_view ending)
 {
-    if (name.size() < ending.size()) {
-        return false;
-    }
-    name.remove_prefix(name.size() - ending.size());
-    for (std::size_t i = 0; i < ending.size(); ++i) {
-        const char c = name[i];
-        const char folded = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-        if (folded != ending[i]) {
-            return false;
-        }
-    }
-    return true;
+    return name.size() >= ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char c) {
+               return c == wanted || (c >= 'A' && c <= 'Z' && c - 'A' + 'a' == wanted);
+           });
 }
 
 bool is_report_name(std::string_view name)

@@ -28,16 +28,8 @@ std::uint64_t total_reports(const SummaryTally& tally)
     return tally.passed + tally.failed + tally.errored;
 }
 
+// What the tally counts among the reports.
 bool is_report(const ReportEntry& entry)
 {
-    switch (outcome_of(entry)) {
-    case Outcome::Passed:
-    case Outcome::Failed:
-    case Outcome::Errored:
-        return true;
-    case Outcome::NoReport:
-    case Outcome::Unreadable:
-        break;
-    }
-    return false;
+    return tally_entries(&entry, 1).other == 0;
 }
