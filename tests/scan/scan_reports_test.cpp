@@ -263,7 +263,7 @@ TEST(ScanReports, ListsNamesThatEndInHtmlOrHtmAndNoOthers)
 
 TEST(ScanReports, FoldsAToZAloneInEachPositionOfTheEnding)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory());
     Paths names;
     Paths expected = {"x.htm",  "x.html", "x.Htm",  "x.hTm", "x.htM",
                       "x.Html", "x.hTml", "x.htMl", "x.htmL"};
