@@ -76,14 +76,8 @@ constexpr char COUNTS[] = R"(,
     "passed": %ju,
     "failed": %ju,
     "errored": %ju,
+    "reports": [
 )";
-
-bool append_counts(TextBuffer& buffer, const SummaryTally& tally)
-{
-    return text_buffer_appendf(buffer, COUNTS, std::uintmax_t{total_reports(tally)},
-                               std::uintmax_t{tally.passed}, std::uintmax_t{tally.failed},
-                               std::uintmax_t{tally.errored});
-}
 
 // Each member of a report's object stands on a line of its own.
 bool append_key(TextBuffer& buffer, std::string_view key)
@@ -137,9 +131,12 @@ bool append_array(TextBuffer& buffer, const SummaryModel& model,
 
 bool append_document(TextBuffer& buffer, const SummaryModel& model)
 {
-    return append_all(buffer, "{\n    \"scanned_directory\": ", Quoted{model.input_dir}) &&
-           append_counts(buffer, tally_entries(model.entries, model.count)) &&
-           text_buffer_append(buffer, "    \"reports\": [\n") &&
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    return append_all(buffer, "{\n    ", Quoted{"scanned_directory"}, ": ",
+                      Quoted{model.input_dir}) &&
+           text_buffer_appendf(buffer, COUNTS, std::uintmax_t{total_reports(tally)},
+                               std::uintmax_t{tally.passed}, std::uintmax_t{tally.failed},
+                               std::uintmax_t{tally.errored}) &&
            append_array(buffer, model, is_report, append_report) &&
            text_buffer_append(buffer, ",\n    \"other_files\": [\n") &&
            append_array(
