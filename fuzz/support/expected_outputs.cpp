@@ -1,7 +1,6 @@
 #include "support/expected_outputs.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -48,18 +47,13 @@ Parts part(std::span<const ReportEntry> entries)
 
 std::string due_link(std::string_view relative_path, const ExpectedOutputs& expected)
 {
-    static std::array<char, NAIVE_LINK_SIZE> link;
-    if (expected.output_folder != nullptr && expected.scanned_directory != nullptr) {
-        const std::string joined =
-            std::string(expected.scanned_directory) + "/" + std::string(relative_path);
-        if (joined.size() < LONG_PATH) {
-            const std::size_t length = naive_relative_link(expected.output_folder, joined, link);
-            if (length < LONG_PATH) {
-                return {link.data(), length};
-            }
-        }
+    const std::string path(relative_path);
+    if (expected.output_folder == nullptr || expected.scanned_directory == nullptr) {
+        return path;
     }
-    return std::string(relative_path);
+    const std::string joined = std::string(expected.scanned_directory) + "/" + path;
+    const std::string link = naive_relative_link(expected.output_folder, joined);
+    return joined.size() < LONG_PATH && link.size() < LONG_PATH ? link : path;
 }
 
 std::string due_name(std::string_view path)
