@@ -29,7 +29,7 @@ TEST(RunUnprivileged, ReturnsTheResultOfAnOrdinaryUser)
 
 TEST(Program, CanBeStartedByAnOrdinaryUser)
 {
-    EXPECT_EQ(run_fthsummary({"--version"}, {.unprivileged = true}).status, 0);
+    EXPECT_EQ(run_fthsummary({"--version"}, {.folder = "/", .unprivileged = true}).status, 0);
 }
 
 TEST(TempFolder, IsOpenToOthersWhateverTheUmaskWas)
