@@ -1,13 +1,11 @@
 // Memory that runs out and files that cannot be written, for the page and the
 // JSON summary alike.
 
-#include <csignal>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "summary/json_summary.h"
 #include "summary/page_model.h"
@@ -86,13 +84,6 @@ void expect_false_at_every_byte(const Append& append, std::size_t step = 1)
     }
 }
 
-void allow_files_of_100_bytes()
-{
-    const rlimit limit = {100, 100};
-    std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
-
 } // namespace
 
 TEST(SummaryFailures, EachAllocationThatFailsLeavesAnOlderFileAsItWas)
@@ -152,23 +143,6 @@ TEST(SummaryFailures, PagedResultsSectionGivesFalseWhereverMemoryRunsOut)
     }
 }
 
-TEST(SummaryFailures, ResultsSectionAppendsNothingWhenItsSortedViewCannotBeAllocated)
-{
-    AppendedText section;
-    ASSERT_TRUE(text_buffer_append(section.buffer, std::string(2000, '.')));
-    const AllocationFault fault(1, Length::Once);
-    EXPECT_FALSE(append_results_section(section.buffer, model_of({}), "summary.html", 0, 0, 0));
-    EXPECT_EQ(section.buffer.length, 2000U);
-}
-
-TEST(SummaryFailures, AbsentOtherFilesSectionNeedsNoMemory)
-{
-    AppendedText section;
-    const AllocationFault fault(1);
-    EXPECT_TRUE(append_other_files_section(section.buffer, model_of({}), 0));
-    EXPECT_EQ(fault.failures(), 0U);
-}
-
 TEST(SummaryFailures, FullDeviceGivesFalseAndTheNullDeviceTakesEverything)
 {
     for (const WriteSummary write : WRITERS) {
@@ -205,21 +179,4 @@ TEST(SummaryFailures, OutputThatMayNotBeWrittenGivesFalseAndStaysAsItWas)
     }
     EXPECT_EQ(folder.read("closed/older"), "older file");
     EXPECT_FALSE(folder.exists("closed/new"));
-}
-
-TEST(SummaryFailures, ShortWriteGivesFalseAndLeavesWhatWasWritten)
-{
-    const TempFolder folder;
-    folder.make_folder("open");
-    folder.chmod("open", 0777);
-    for (const WriteSummary write : WRITERS) {
-        ASSERT_TRUE(write(folder.path("whole").c_str(), model_of({})));
-        const std::string cut = folder.path("open/cut");
-        EXPECT_EQ(run_unprivileged([&] {
-                      allow_files_of_100_bytes();
-                      return write(cut.c_str(), model_of({})) ? 1 : 0;
-                  }),
-                  0);
-        EXPECT_EQ(folder.read("open/cut"), folder.read("whole").substr(0, 100));
-    }
 }
