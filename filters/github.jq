@@ -13,20 +13,14 @@ def as_summary:
   else error("not a summary of fthsummary")
   end;
 
-# Control characters, which a terminal or a log could obey, other line breaks than the
-# two below, and characters that turn the direction of writing become U+FFFD.
-def without_controls:
-  if test("[\\x00-\\x08\\x0b\\x0c\\x0e-\\x1f\\x7f-\\x{9f}\\x{2028}-\\x{202e}\\x{2066}-\\x{2069}]")
-  then explode
-    | map(if (. < 32 and . != 9 and . != 10 and . != 13) or (. >= 127 and . < 160)
-             or (. >= 8232 and . <= 8238) or (. >= 8294 and . <= 8297)
-          then 65533 else . end)
-    | implode
-  else .
-  end;
+def replaced($part; $by): if contains($part) then split($part) | join($by) else . end;
 
-def replaced($character; $escape):
-  if contains($character) then split($character) | join($escape) else . end;
+# Control characters, which a terminal or a log could obey, line breaks of other kinds
+# than the two below, and characters that turn the direction of writing become U+FFFD. jq 1.6 sees nothing behind U+0000;
+# it is the first to be replaced.
+def without_controls:
+  "[\\x00-\\x08\\x0b\\x0c\\x0e-\\x1f\\x7f-\\x{9f}\\x{2028}-\\x{202e}\\x{2066}-\\x{2069}]" as $controls
+  | reduce ([match($controls; "g").string] | unique[]) as $each (.; replaced($each; "\ufffd"));
 
 # The runner undoes these escapes; "%" comes first, or it would escape the escapes.
 def data:
