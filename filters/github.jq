@@ -16,8 +16,8 @@ def as_summary:
 def replaced($part; $by): if contains($part) then split($part) | join($by) else . end;
 
 # Control characters, which a terminal or a log could obey, line breaks of other kinds
-# than the two below, and characters that turn the direction of writing become U+FFFD. jq 1.6 sees nothing behind U+0000;
-# it is the first to be replaced.
+# than the two below, and characters that turn the direction of writing become U+FFFD.
+# jq 1.6 sees nothing behind U+0000; it is the first to be replaced.
 def without_controls:
   "[\\x00-\\x08\\x0b\\x0c\\x0e-\\x1f\\x7f-\\x{9f}\\x{2028}-\\x{202e}\\x{2066}-\\x{2069}]" as $controls
   | reduce ([match($controls; "g").string] | unique[]) as $each (.; replaced($each; "\ufffd"));
