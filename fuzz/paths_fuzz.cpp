@@ -1,4 +1,4 @@
-// make_relative_path and make_json_path against their naive versions.
+// make_relative_path and append_json_path against their naive versions.
 //
 // An input: options, two bytes of a capacity, and the two paths in short form with a NUL
 // between them.
@@ -59,7 +59,8 @@ void judge_json_path(std::string_view page_path)
     const std::size_t length = naive_json_path(page_path, expected);
 
     const std::unique_ptr<char[]> path(new char[page_path.size() + 6]);
-    make_json_path(page_path, path.get());
+    BoundedText text = {path.get(), page_path.size() + 6, 0};
+    require(append_json_path(text, page_path), "room for the JSON path");
     require(std::memcmp(path.get(), expected.data(), length) == 0, "the JSON path's text");
     require(path[length] == '\0', "the JSON path's NUL");
 }

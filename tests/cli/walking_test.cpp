@@ -11,7 +11,6 @@
 #include "cli/built_program.h"
 #include "cli/expected_texts.h"
 #include "cli/listed_files.h"
-#include "cli/process_limits.h"
 #include "cli/sample_reports.h"
 #include "support/deep_tree.h"
 
@@ -210,18 +209,4 @@ TEST_F(Walking, ANameOf255BytesIsListed)
     const std::string name = std::string(250, 'n') + ".html";
     temp.write("in/" + name, passed_report());
     EXPECT_EQ(listed(), Names{name});
-}
-
-TEST_F(Walking, ATreeDeeperThanPathsAllowEndsTheDescentWithoutAWord)
-{
-    if (!may_set_limit(RLIMIT_NOFILE, DEEP_DESCRIPTORS)) {
-        GTEST_SKIP() << "too few descriptors for a tree as deep as paths allow";
-    }
-    const DeepTree tree(temp.path("in"), 2100);
-    tree.write_innermost("r.html", failed_report());
-    temp.write("in/d/d/r.html", passed_report());
-    const ProcessResult result = run_fthsummary(
-        {"--input", "in", "-o", "s.html"},
-        {.folder = temp.path(), .before_exec = [] { limit(RLIMIT_NOFILE, DEEP_DESCRIPTORS); }});
-    expect_run(result, 0, wrote("s.html", {.passed = 1}), "");
 }

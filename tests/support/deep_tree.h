@@ -20,17 +20,13 @@ public:
     DeepTree(const std::string& top, int depth, const std::string& file_in_each = "")
         : top_(top), innermost_(open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
     {
-        for (int level = 0;; ++level) {
+        for (int level = 0; level <= depth; ++level) {
+            if (level > 0) {
+                go_deeper();
+            }
             if (!file_in_each.empty()) {
                 write_innermost(file_in_each, "");
             }
-            if (level == depth) {
-                break;
-            }
-            EXPECT_EQ(mkdirat(innermost_, "d", 0755), 0);
-            const int inner = openat(innermost_, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            close(innermost_);
-            innermost_ = inner;
         }
         EXPECT_GE(innermost_, 0);
     }
@@ -51,6 +47,15 @@ public:
 
     DeepTree(const DeepTree&) = delete;
     DeepTree& operator=(const DeepTree&) = delete;
+
+    // Makes one more folder, which is the innermost from then on.
+    void go_deeper()
+    {
+        EXPECT_EQ(mkdirat(innermost_, "d", 0755), 0);
+        const int inner = openat(innermost_, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(innermost_);
+        innermost_ = inner;
+    }
 
     void write_innermost(const std::string& name, const std::string& bytes) const
     {
