@@ -16,6 +16,7 @@ install(FILES completions/fthsummary.bash RENAME fthsummary
         DESTINATION "${data}/bash-completion/completions" COMPONENT program)
 install(FILES completions/fthsummary.fish
         DESTINATION "${data}/fish/vendor_completions.d" COMPONENT program)
+install(DIRECTORY filters DESTINATION "${data}/fthsummary" COMPONENT program)
 install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program)
 install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program
         PATTERN content-policy EXCLUDE)
