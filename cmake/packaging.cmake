@@ -17,9 +17,10 @@ install(FILES completions/fthsummary.bash RENAME fthsummary
 install(FILES completions/fthsummary.fish
         DESTINATION "${data}/fish/vendor_completions.d" COMPONENT program)
 install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program)
-install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program
+        PATTERN content-policy EXCLUDE)
 install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program)
-install(PROGRAMS tools/content-policy DESTINATION "${CMAKE_INSTALL_DOCDIR}/tools"
+install(PROGRAMS docs/content-policy DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
         COMPONENT program)
 
 install(FILES man/fthsummary.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT local)
@@ -42,13 +43,13 @@ function(packed name input)
     OUTPUT "${debian}/${name}.gz"
     COMMAND ${ARGN} "${input}" > "${debian}/${name}"
     COMMAND "${GZIP}" -9nf "${debian}/${name}"
-    DEPENDS "${input}" "${PROJECT_SOURCE_DIR}/tools/debian-changelog"
+    DEPENDS "${input}" "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog"
     VERBATIM)
   set_property(GLOBAL APPEND PROPERTY FTHSUMMARY_PACKED "${debian}/${name}.gz")
 endfunction()
 packed(fthsummary.1 "${PROJECT_SOURCE_DIR}/man/fthsummary.1" cat)
 packed(changelog "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
-       "${PROJECT_SOURCE_DIR}/tools/debian-changelog" "${FTHSUMMARY_MAINTAINER}")
+       "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog" "${FTHSUMMARY_MAINTAINER}")
 get_property(packed_files GLOBAL PROPERTY FTHSUMMARY_PACKED)
 add_custom_target(debian_files ALL DEPENDS ${packed_files})
 
@@ -90,7 +91,7 @@ It needs no configuration, no network and no other program.")
 # Every time in the package is the date of the release in the changelog.
 set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_BINARY_DIR}/cpack_date.cmake")
 execute_process(
-  COMMAND "${PROJECT_SOURCE_DIR}/tools/debian-changelog" --epoch "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+  COMMAND "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog" --epoch "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
   OUTPUT_VARIABLE epoch OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "set(ENV{SOURCE_DATE_EPOCH} ${epoch})\n")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CHANGELOG.md)

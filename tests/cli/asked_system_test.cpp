@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -23,23 +24,33 @@ struct Questions
     std::ptrdiff_t resolved = 0; // entries whose canonical path was asked for
 };
 
-// Runs the program over temp's folder "in" as an ordinary user and counts the calls on
-// what lies below it.
-Questions questions_about(const TempFolder& temp)
+// The lines of a trace of these system calls by the program, which runs over temp's
+// folder "in" as an ordinary user and writes "s.html" and "s.json".
+std::vector<std::string> traced(const TempFolder& temp, const std::string& calls)
 {
     temp.chmod("", 0777);
     const ProcessResult result =
         run_process("/usr/bin/env",
-                    {"strace", "-f", "-e", "trace=file", "-o", "trace", FTHSUMMARY_PROGRAM,
-                     "--input", temp.path("in"), "-o", "s.html"},
+                    {"strace", "-f", "-y", "-s", "200", "-e", "trace=" + calls, "-o", "trace",
+                     fthsummary_program(), "--input", temp.path("in"), "-o", "s.html", "--json"},
                     {.folder = temp.path(),
                      .unprivileged = true,
                      .environment = {"ASAN_OPTIONS=detect_leaks=0"}});
     EXPECT_EQ(result.errors, "") << "is strace installed?";
     EXPECT_TRUE(result.output.starts_with("wrote s.html"));
+    std::vector<std::string> lines;
+    std::istringstream trace(temp.read("trace"));
+    for (std::string line; std::getline(trace, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// Counts the calls on what lies below the folder "in".
+Questions questions_about(const TempFolder& temp)
+{
     Questions questions;
-    std::istringstream lines(temp.read("trace"));
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : traced(temp, "file")) {
         if (line.find('"' + temp.path("in/")) == std::string::npos) {
             continue;
         }
@@ -125,4 +136,19 @@ TEST(AskedSystem, OnlyWhatIsCalledLikeThePageIsResolved)
     EXPECT_EQ(questions_about(temp).resolved, 0);
     temp.write("in/s.html", passed_report());
     EXPECT_EQ(questions_about(temp).resolved, 1);
+}
+
+TEST(AskedSystem, EachOutputFileIsHandedOverInOneCall)
+{
+    const TempFolder temp;
+    write_reports(temp, "in", 5);
+    const auto lines = traced(temp, "write,writev,pwrite64,pwritev,pwritev2");
+    for (const char* name : {"s.html", "s.json"}) {
+        std::vector<std::string> calls;
+        std::ranges::copy_if(lines, std::back_inserter(calls), [&](const std::string& line) {
+            return line.find("<" + temp.path(name) + ">") != std::string::npos;
+        });
+        ASSERT_EQ(calls.size(), 1U) << name;
+        EXPECT_TRUE(calls[0].ends_with(" = " + std::to_string(temp.read(name).size()))) << calls[0];
+    }
 }

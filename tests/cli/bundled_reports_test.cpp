@@ -1,5 +1,5 @@
 // The page and the JSON of the bundled reports, compared with golden files that a
-// person has read. tools/update-golden writes those anew.
+// person has read. tools/update/golden writes those anew.
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// The program's messages, written out once more so that the tests do not take
-// them from the code that prints them.
+// What the program prints, written out once more so that the tests do not take it from
+// the code that prints it. Every test that expects a message takes it from here.
 
 #pragma once
 
@@ -45,20 +45,30 @@ inline std::string write_message(std::string_view path)
     return "error: failed to write '" + std::string(path) + "'\n";
 }
 
-// The whole JSON file for a directory without any report or other file.
-inline std::string empty_json(std::string_view input)
+// What a run counted, and the lines that it ends with.
+struct Counts
 {
-    return "{\n"
-           "    \"scanned_directory\": \"" +
-           std::string(input) +
-           "\",\n"
-           "    \"total_reports\": 0,\n"
-           "    \"passed\": 0,\n"
-           "    \"failed\": 0,\n"
-           "    \"errored\": 0,\n"
-           "    \"reports\": [\n"
-           "],\n"
-           "    \"other_files\": [\n"
-           "]\n"
-           "}\n";
+    unsigned passed = 0;
+    unsigned failed = 0;
+    unsigned errored = 0;
+};
+
+inline std::string counts_text(const Counts& counts)
+{
+    const unsigned total = counts.passed + counts.failed + counts.errored;
+    return std::to_string(total) + " fathomix reports: " + std::to_string(counts.passed) +
+           " passed, " + std::to_string(counts.failed) + " failed" +
+           (counts.errored == 0 ? "" : ", " + std::to_string(counts.errored) + " errored");
+}
+
+inline std::string wrote(std::string_view page, const Counts& counts)
+{
+    return "wrote " + std::string(page) + " (" + counts_text(counts) + ")\n";
+}
+
+inline std::string wrote_with_json(std::string_view page, std::string_view json,
+                                   const Counts& counts)
+{
+    return "wrote " + std::string(page) + " (" + counts_text(counts) + ") + json\nwrote " +
+           std::string(json) + "\n";
 }

@@ -1,24 +1,24 @@
 // The built program on small input folders: exit status, closing line, and what
 // each file was taken for.
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
-#include <unistd.h>
 
+#include "cli/built_program.h"
 #include "cli/expected_texts.h"
-#include "cli/program_run.h"
+#include "cli/listed_files.h"
 #include "cli/sample_reports.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
 using Names = std::vector<std::string>;
+using Files = std::vector<ListedFile>;
 
 class ReadingRun : public testing::Test
 {
@@ -29,10 +29,10 @@ protected:
     }
 
     // Runs with JSON and checks everything but the two files' contents.
-    void expect_complete(int status, const std::string& counts)
+    void expect_complete(int status, const Counts& counts)
     {
         expect_run(run_in(temp, {"--input", "in", "-o", "s.html", "--json"}), status,
-                   "wrote s.html (" + counts + ") + json\nwrote s.json\n", "");
+                   wrote_with_json("s.html", "s.json", counts), "");
     }
 
     void expect_input_message(const std::string& input)
@@ -43,88 +43,128 @@ protected:
         EXPECT_EQ(temp.names(), before);
     }
 
-    bool page_has(std::string_view text) const
+    Files files() const
     {
-        return temp.read("s.html").find(text) != std::string::npos;
-    }
-
-    bool json_has(std::string_view text) const
-    {
-        return temp.read("s.json").find(text) != std::string::npos;
+        return files_in(temp.read("s.json"));
     }
 
     TempFolder temp;
 };
 
-constexpr std::string_view SUITE_PASSED =
-    "<div class=\"kpi verdict ok\">\n<div class=\"k\">Suite Verdict</div>\n"
-    "<div class=\"v\">PASS</div>\n</div>\n";
-constexpr std::string_view SUITE_FAILED =
-    "<div class=\"kpi verdict\">\n<div class=\"k\">Suite Verdict</div>\n"
-    "<div class=\"v\">FAIL</div>\n</div>\n";
-
 } // namespace
 
-TEST_F(ReadingRun, AnEmptyInputDirectoryGivesStatusZeroAndTheEmptyJson)
+TEST_F(ReadingRun, AnEmptyInputDirectoryGivesStatusZero)
 {
-    expect_complete(0, "0 fathomix reports: 0 passed, 0 failed");
-    EXPECT_EQ(temp.read("s.json"), empty_json("in"));
-    EXPECT_TRUE(page_has(SUITE_PASSED));
+    expect_run(run_in(temp, {"--input", "in", "-o", "s.html"}), 0, wrote("s.html", {}), "");
+    EXPECT_EQ(temp.names(), (Names{"in", "s.html"}));
+    expect_complete(0, {});
+    EXPECT_EQ(files(), Files{});
 }
 
-TEST_F(ReadingRun, OnlyPassedReportsGiveStatusZeroAndAPassedSuite)
+TEST_F(ReadingRun, OnlyPassedReportsGiveStatusZero)
 {
     temp.write("in/a.html", passed_report());
     temp.write("in/sub/b.htm", passed_report());
-    expect_complete(0, "2 fathomix reports: 2 passed, 0 failed");
-    EXPECT_TRUE(page_has(SUITE_PASSED));
+    expect_complete(0, {.passed = 2});
 }
 
-TEST_F(ReadingRun, OtherHtmlFilesAloneGiveStatusZeroAlthoughThePageSaysFail)
+TEST_F(ReadingRun, OnlyOtherHtmlFilesGiveATotalOfZeroAndStatusZero)
 {
     temp.write("in/a.html", OTHER_PAGE);
-    temp.write("in/b.html", "");
-    expect_complete(0, "0 fathomix reports: 0 passed, 0 failed");
-    EXPECT_TRUE(page_has(SUITE_FAILED));
-    EXPECT_TRUE(json_has("{ \"relative_path\": \"a.html\", \"reason\": \"not_analyze_report\" }"));
-    EXPECT_TRUE(json_has("{ \"relative_path\": \"b.html\", \"reason\": \"not_analyze_report\" }"));
+    temp.write("in/b/b.html", "");
+    expect_complete(0, {});
+    const Names paths = {"a.html", "b/b.html"};
+    EXPECT_EQ(paths_in(temp.read("s.json")), paths);
+    EXPECT_EQ(files().at(0).outcome, "not_analyze_report");
+    EXPECT_EQ(files().at(1).outcome, "not_analyze_report");
 }
 
-TEST_F(ReadingRun, OtherHtmlFilesBesidePassedReportsGiveStatusZeroAlthoughThePageSaysFail)
+TEST_F(ReadingRun, OneFileDecidesTheStatusAloneAndBesidePassedReports)
 {
-    temp.write("in/a.html", OTHER_PAGE);
-    temp.write("in/b.html", passed_report());
-    expect_complete(0, "1 fathomix reports: 1 passed, 0 failed");
-    EXPECT_TRUE(page_has(SUITE_FAILED));
-}
-
-TEST_F(ReadingRun, OneUnreadableFileAndOtherwisePassedReportsGiveStatusOne)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/b.html", passed_report());
-    temp.chmod("in/b.html", 0000);
-    temp.chmod("", 0777);
-    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"}), 1,
-               "wrote s.html (1 fathomix reports: 1 passed, 0 failed) + json\nwrote s.json\n", "");
-    EXPECT_TRUE(page_has("<td>b.html <small>(unreadable)</small></td>"));
-    EXPECT_TRUE(json_has("{ \"relative_path\": \"b.html\", \"reason\": \"unreadable\" }"));
+    struct Case
+    {
+        std::string report;
+        int status;
+        Counts counts;
+    };
+    for (const Case& one :
+         {Case{passed_report(), 0, {.passed = 1}}, Case{failed_report(), 1, {.failed = 1}},
+          Case{errored_report("no input"), 1, {.errored = 1}},
+          Case{std::string(OTHER_PAGE), 0, {}}}) {
+        Counts counts = one.counts;
+        fs::remove(temp.path("in/passed.html"));
+        temp.write("in/one.html", one.report);
+        expect_complete(one.status, counts);
+        temp.write("in/passed.html", passed_report());
+        ++counts.passed;
+        expect_complete(one.status, counts);
+    }
 }
 
 TEST_F(ReadingRun, OneErroredReportAndOtherwisePassedReportsGiveStatusOne)
 {
     temp.write("in/a.html", passed_report());
     temp.write("in/b.html", errored_report("no &lt;input&gt;"));
-    expect_complete(1, "2 fathomix reports: 1 passed, 0 failed, 1 errored");
-    EXPECT_TRUE(json_has("\"error\": \"no <input>\""));
-    EXPECT_TRUE(page_has("<td style=\"text-align:left\">no &lt;input&gt;</td>"));
+    expect_complete(1, {.passed = 1, .errored = 1});
+    EXPECT_TRUE(std::ranges::count(files(), ListedFile{"b.html", "ERROR", "no <input>"}));
 }
 
-TEST_F(ReadingRun, OneFailedReportGivesStatusOne)
+TEST_F(ReadingRun, OneUnreadableFileAndOtherwisePassedReportsShowNoFailureButGiveStatusOne)
 {
     temp.write("in/a.html", passed_report());
-    temp.write("in/b.html", failed_report());
-    expect_complete(1, "2 fathomix reports: 1 passed, 1 failed");
+    temp.write("in/b.html", passed_report());
+    temp.chmod("in/b.html", 0000);
+    temp.chmod("", 0777);
+    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"}), 1,
+               wrote_with_json("s.html", "s.json", {.passed = 1}), "");
+    EXPECT_EQ(files(), (Files{{"a.html", "PASS", ""}, {"b.html", "unreadable", ""}}));
 }
+
+TEST_F(ReadingRun, AFifoDoesNotHoldUpTheRunAndIsUnreadableAsASocketIs)
+{
+    temp.write("in/a.html", passed_report());
+    temp.make_fifo("in/b/fifo.html");
+    expect_complete(1, {.passed = 1});
+    EXPECT_EQ(files().back(), (ListedFile{"b/fifo.html", "unreadable", ""}));
+    fs::remove(temp.path("in/b/fifo.html"));
+    temp.make_socket("in/b/socket.html");
+    expect_complete(1, {.passed = 1});
+    EXPECT_EQ(files().back(), (ListedFile{"b/socket.html", "unreadable", ""}));
+}
+
+TEST_F(ReadingRun, OneFailedReportAmongManyGivesStatusOneWhereverItStands)
+{
+    for (int i = 0; i < 8; ++i) {
+        temp.write("in/" + std::to_string(i) + ".html", passed_report());
+    }
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = "in/" + std::to_string(i) + ".html";
+        temp.write(name, failed_report());
+        expect_complete(1, {.passed = 7, .failed = 1});
+        temp.write(name, passed_report());
+    }
+}
+
+TEST_F(ReadingRun, EveryKindIsCountedAndTheInputIsLeftAsItIs)
+{
+    for (int i = 0; i < 9; ++i) {
+        temp.write("in/passed" + std::to_string(i) + ".html", passed_report());
+    }
+    temp.write("in/failed1.html", FULL_FAILED_REPORT);
+    temp.write("in/failed2.html", failed_report());
+    temp.write("in/errored.html", errored_report("no input"));
+    temp.write("in/other.html", OTHER_PAGE);
+    temp.write("in/notes.txt", "notes");
+    const Names before = temp.names();
+    expect_complete(1, {.passed = 9, .failed = 2, .errored = 1});
+    fs::remove(temp.path("s.html"));
+    fs::remove(temp.path("s.json"));
+    EXPECT_EQ(temp.names(), before);
+    EXPECT_EQ(temp.read("in/failed1.html"), FULL_FAILED_REPORT);
+    EXPECT_EQ(temp.read("in/notes.txt"), "notes");
+}
+
+// ---- The input ----
 
 TEST_F(ReadingRun, AnInputThatDoesNotExistIsReportedAndNothingIsWritten)
 {
@@ -138,15 +178,22 @@ TEST_F(ReadingRun, AnInputThatIsAFileIsReportedAndNothingIsWritten)
     temp.write("file.html", passed_report());
     expect_input_message("file.html");
     expect_input_message("file.html/");
-    expect_input_message(temp.path("file.html"));
 }
 
 TEST_F(ReadingRun, AnInputThatIsADanglingLinkOrAFifoIsReported)
 {
     temp.link("nowhere", "link");
-    ASSERT_EQ(mkfifo(temp.path("fifo").c_str(), 0666), 0);
+    temp.make_fifo("fifo");
     expect_input_message("link");
     expect_input_message("fifo");
+}
+
+TEST_F(ReadingRun, AMissingInputIsReportedBeforeAnythingThatIsWrongWithThePage)
+{
+    temp.write("file", "");
+    for (const std::string& page : {std::string(4096, 'x'), std::string("file/sub/s.html")}) {
+        expect_run(run_in(temp, {"--input", "none", "-o", page}), 1, "", input_message("none"));
+    }
 }
 
 TEST_F(ReadingRun, AnInputThatMayNotBeReadIsReported)
@@ -166,8 +213,8 @@ TEST_F(ReadingRun, AnInputThatMayNotBeSearchedIsAnEmptyOne)
     temp.chmod("in", 0444);
     temp.chmod("", 0777);
     expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"}), 0,
-               "wrote s.html (0 fathomix reports: 0 passed, 0 failed) + json\nwrote s.json\n", "");
-    EXPECT_EQ(temp.read("s.json"), empty_json("in"));
+               wrote_with_json("s.html", "s.json", {}), "");
+    EXPECT_EQ(files(), Files{});
 }
 
 TEST_F(ReadingRun, TheInputIsShownByteForByteInTheMessage)
@@ -181,156 +228,12 @@ TEST_F(ReadingRun, TheInputIsUsedAndShownAsTyped)
 {
     temp.write("in/a.html", passed_report());
     temp.link("in", "link");
-    for (const std::string& input : Names{"in", "in/", "./in", "in//.//", "link", "link/.",
-                                          "in/../in", temp.path("in"), "."}) {
-        SCOPED_TRACE(input);
+    for (const std::string& input :
+         Names{"in", "in/", "./in", "in//.//", "link", "link/.", "in/../in", temp.path("in")}) {
         expect_run(run_in(temp, {"--input", input, "-o", "s.html", "--json"}), 0,
-                   input == "." ? "wrote s.html (2 fathomix reports: 2 passed, 0 failed) + json\n"
-                                  "wrote s.json\n"
-                                : "wrote s.html (1 fathomix reports: 1 passed, 0 failed) + json\n"
-                                  "wrote s.json\n",
-                   "");
-        EXPECT_TRUE(
-            temp.read("s.json").starts_with("{\n    \"scanned_directory\": \"" + input + "\",\n"));
+                   wrote_with_json("s.html", "s.json", {.passed = 1}), "");
+        EXPECT_NE(temp.read("s.json").find(": \"" + input + "\",\n"), std::string::npos) << input;
     }
-}
-
-TEST_F(ReadingRun, AnInputNamedLikeAnOptionIsRead)
-{
-    temp.write("--json/a.html", failed_report());
-    expect_run(run_in(temp, {"--input", "--json", "-o", "s.html"}), 1,
-               "wrote s.html (1 fathomix reports: 0 passed, 1 failed)\n", "");
-}
-
-TEST_F(ReadingRun, EveryFieldOfAReportReachesTheJson)
-{
-    temp.write("in/album/track01.html", FULL_FAILED_REPORT);
-    expect_complete(1, "1 fathomix reports: 0 passed, 1 failed");
-    EXPECT_EQ(temp.read("s.json"), "{\n"
-                                   "    \"scanned_directory\": \"in\",\n"
-                                   "    \"total_reports\": 1,\n"
-                                   "    \"passed\": 0,\n"
-                                   "    \"failed\": 1,\n"
-                                   "    \"errored\": 0,\n"
-                                   "    \"reports\": [\n"
-                                   "        {\n"
-                                   "            \"relative_path\": \"album/track01.html\",\n"
-                                   "            \"verdict\": \"FAIL\",\n"
-                                   "            \"analysis_mode\": \"Mode X\",\n"
-                                   "            \"analysis_mode_sub\": \"Variant 1\",\n"
-                                   "            \"failed_checks\": [\"Noise\", \"Phase\"],\n"
-                                   "            \"non_gating_checks\": [\"Dither\"],\n"
-                                   "            \"error\": \"\"\n"
-                                   "        }\n"
-                                   "    ],\n"
-                                   "    \"other_files\": [\n"
-                                   "]\n"
-                                   "}\n");
-}
-
-TEST_F(ReadingRun, EveryFieldOfAReportReachesThePage)
-{
-    temp.write("in/album/track01.html", FULL_FAILED_REPORT);
-    expect_complete(1, "1 fathomix reports: 0 passed, 1 failed");
-    EXPECT_TRUE(page_has(
-        "<tr><td>1</td><td><a href=\"in/album/track01.html\">album/<wbr>track01</a></td>"
-        "<td>Mode X <span style=\"color:var(--muted);font-size:0.85em\">&middot; Variant 1</span>"
-        "</td><td><span class=\"badge fail\">FAIL</span></td><td>Noise, Phase<br>"
-        "<span style=\"color:var(--muted);font-size:0.85em\">Not gating: Dither</span></td></tr>\n"));
-}
-
-TEST_F(ReadingRun, AnErroredReportReachesTheJson)
-{
-    temp.write("in/track02.html",
-               errored_report("Input &quot;take 2.wav&quot; could not be opened"));
-    expect_complete(1, "1 fathomix reports: 0 passed, 0 failed, 1 errored");
-    EXPECT_EQ(temp.read("s.json"),
-              "{\n"
-              "    \"scanned_directory\": \"in\",\n"
-              "    \"total_reports\": 1,\n"
-              "    \"passed\": 0,\n"
-              "    \"failed\": 0,\n"
-              "    \"errored\": 1,\n"
-              "    \"reports\": [\n"
-              "        {\n"
-              "            \"relative_path\": \"track02.html\",\n"
-              "            \"verdict\": \"ERROR\",\n"
-              "            \"analysis_mode\": \"\",\n"
-              "            \"analysis_mode_sub\": \"\",\n"
-              "            \"failed_checks\": [],\n"
-              "            \"non_gating_checks\": [],\n"
-              "            \"error\": \"Input \\\"take 2.wav\\\" could not be opened\"\n"
-              "        }\n"
-              "    ],\n"
-              "    \"other_files\": [\n"
-              "]\n"
-              "}\n");
-}
-
-TEST_F(ReadingRun, OnlyOneOtherFileReachesTheJson)
-{
-    temp.write("in/readme.html", OTHER_PAGE);
-    expect_complete(0, "0 fathomix reports: 0 passed, 0 failed");
-    EXPECT_EQ(temp.read("s.json"),
-              "{\n"
-              "    \"scanned_directory\": \"in\",\n"
-              "    \"total_reports\": 0,\n"
-              "    \"passed\": 0,\n"
-              "    \"failed\": 0,\n"
-              "    \"errored\": 0,\n"
-              "    \"reports\": [\n"
-              "],\n"
-              "    \"other_files\": [\n"
-              "        { \"relative_path\": \"readme.html\", \"reason\": \"not_analyze_report\" }\n"
-              "    ]\n"
-              "}\n");
-}
-
-TEST_F(ReadingRun, AFifoDoesNotHoldUpTheRunAndIsUnreadable)
-{
-    temp.write("in/a.html", passed_report());
-    ASSERT_EQ(mkfifo(temp.path("in/x.html").c_str(), 0666), 0);
-    expect_complete(1, "1 fathomix reports: 1 passed, 0 failed");
-    EXPECT_TRUE(
-        json_has("        { \"relative_path\": \"x.html\", \"reason\": \"unreadable\" }\n"));
-}
-
-TEST_F(ReadingRun, ASocketIsUnreadable)
-{
-    const int socket_file = socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_GE(socket_file, 0);
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    temp.path("in/x.html").copy(address.sun_path, sizeof address.sun_path - 1);
-    const int bound =
-        bind(socket_file, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    close(socket_file);
-    ASSERT_EQ(bound, 0);
-    expect_complete(1, "0 fathomix reports: 0 passed, 0 failed");
-    EXPECT_TRUE(
-        json_has("        { \"relative_path\": \"x.html\", \"reason\": \"unreadable\" }\n"));
-}
-
-TEST_F(ReadingRun, OneThousandReportsAreCounted)
-{
-    for (int i = 0; i < 1000; ++i) {
-        temp.write("in/" + std::to_string(i % 7) + "/" + std::to_string(i) + ".html",
-                   i % 10 == 0 ? failed_report() : passed_report());
-    }
-    expect_complete(1, "1000 fathomix reports: 900 passed, 100 failed");
-}
-
-TEST_F(ReadingRun, TheInputFilesAreLeftAsTheyAre)
-{
-    temp.write("in/a.html", FULL_FAILED_REPORT);
-    temp.write("in/b.html", errored_report("x"));
-    temp.write("in/notes.txt", "notes");
-    expect_complete(1, "2 fathomix reports: 0 passed, 1 failed, 1 errored");
-    EXPECT_EQ(temp.names(),
-              (Names{"in", "in/a.html", "in/b.html", "in/notes.txt", "s.html", "s.json"}));
-    EXPECT_EQ(temp.read("in/a.html"), FULL_FAILED_REPORT);
-    EXPECT_EQ(temp.read("in/b.html"), errored_report("x"));
-    EXPECT_EQ(temp.read("in/notes.txt"), "notes");
 }
 
 TEST_F(ReadingRun, TheJsonListsTheReportsInTheOrderOfTheListing)
@@ -338,17 +241,13 @@ TEST_F(ReadingRun, TheJsonListsTheReportsInTheOrderOfTheListing)
     for (int i = 0; i < 40; ++i) {
         temp.write("in/r" + std::to_string(i * 7 % 40) + ".html", passed_report());
     }
-    std::string expected;
-    for (const auto& entry : std::filesystem::directory_iterator(temp.path("in"))) {
-        expected += entry.path().filename().string() + "\n";
+    Files listing;
+    for (const fs::directory_entry& entry : fs::directory_iterator(temp.path("in"))) {
+        listing.push_back({entry.path().filename().string(), "PASS", ""});
     }
-    expect_complete(0, "40 fathomix reports: 40 passed, 0 failed");
-    const std::string key = "\"relative_path\": \"";
-    const std::string json = temp.read("s.json");
-    std::string order;
-    for (std::size_t at = json.find(key); at != json.npos; at = json.find(key, at + 1)) {
-        const std::size_t start = at + key.size();
-        order += json.substr(start, json.find('"', start) - start) + "\n";
+    if (std::ranges::is_sorted(listing, {}, &ListedFile::path)) {
+        GTEST_SKIP() << "this file system lists every folder in the order of its names";
     }
-    EXPECT_EQ(order, expected);
+    expect_complete(0, {.passed = 40});
+    EXPECT_EQ(files(), listing);
 }

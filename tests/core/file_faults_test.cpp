@@ -6,8 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "core/files.h"
-#include "support/allocation_faults.h"
-#include "support/file_faults.h"
+#include "support/call_faults.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -46,32 +45,32 @@ protected:
 
 TEST_F(FileFaults, AReadThatFailsRefusesTheFile)
 {
-    const FileFault fault(FileCall::Read, 1, -1);
+    const CallFault fault(pread_call, 1, -1, EIO);
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, AFileThatGivesOneByteLessThanItsSizeIsRefused)
 {
     const ShortTransfers transfers(11);
-    const FileFault fault(FileCall::Read, 2, 0);
+    const CallFault fault(pread_call, 2, 0, EIO);
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, AFileThatGivesNothingIsRefused)
 {
-    const FileFault fault(FileCall::Read, 1, 0);
+    const CallFault fault(pread_call, 1, 0, EIO);
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, AnErrorAfterAShortReadRefusesTheFile)
 {
     const ShortTransfers transfers(5);
-    const FileFault fault(FileCall::Read, 3, -1);
+    const CallFault fault(pread_call, 3, -1, EIO);
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, ShortReadsAddUpToTheWholeFile)
@@ -84,53 +83,53 @@ TEST_F(FileFaults, ShortReadsAddUpToTheWholeFile)
 
 TEST_F(FileFaults, ASeekToTheEndThatFailsRefusesTheFile)
 {
-    const FileFault fault(FileCall::Seek, 1, -1);
+    const CallFault fault(lseek_call, 1, -1, EIO);
     const std::uint64_t allocations = allocation_count();
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
     EXPECT_EQ(allocation_count(), allocations);
 }
 
 TEST_F(FileFaults, ASizeToWhichNothingCanBeAddedRefusesTheFile)
 {
-    const FileFault fault(FileCall::Seek, 1, INT64_MAX);
+    const CallFault fault(lseek_call, 1, INT64_MAX, EIO);
     const std::uint64_t allocations = allocation_count();
     EXPECT_EQ(read(), "(refused)");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
     EXPECT_EQ(allocation_count(), allocations);
 }
 
 // What is asked for beyond the size would land behind the block.
 TEST_F(FileFaults, AFileThatGrowsMeanwhileGivesTheBytesOfTheSizeThatItHad)
 {
-    const FileFault fault(FileCall::Seek, 1, 4);
+    const CallFault fault(lseek_call, 1, 4, EIO);
     const ShortTransfers transfers(3);
     EXPECT_EQ(read(), "twel");
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, AWriteThatFailsIsToldAndLeavesAnEmptyFile)
 {
-    const FileFault fault(FileCall::Write, 1, -1);
+    const CallFault fault(write_call, 1, -1, EIO);
     EXPECT_FALSE(write("new text"));
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
     EXPECT_EQ(folder_.read("file"), "");
 }
 
 TEST_F(FileFaults, AWriteThatStopsShortIsToldAndLeavesACutFile)
 {
     const ShortTransfers transfers(7);
-    const FileFault fault(FileCall::Write, 2, -1);
+    const CallFault fault(write_call, 2, -1, EIO);
     EXPECT_FALSE(write("new text"));
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
     EXPECT_EQ(folder_.read("file"), "new tex");
 }
 
 TEST_F(FileFaults, AWriteThatTakesNothingIsTold)
 {
-    const FileFault fault(FileCall::Write, 1, 0);
+    const CallFault fault(write_call, 1, 0, EIO);
     EXPECT_FALSE(write("new text"));
-    EXPECT_TRUE(fault.happened());
+    EXPECT_EQ(fault.failures(), 1U);
 }
 
 TEST_F(FileFaults, ShortWritesAddUpToTheWholeText)

@@ -8,11 +8,9 @@
 #include <sys/mman.h>
 
 #include "core/memory.h"
+#include "support/intercepted_calls.h"
 
 namespace {
-
-// What the allocator was told.
-std::map<int, int> malloc_options;
 
 // What the kernel was asked for.
 struct Advice
@@ -24,8 +22,6 @@ struct Advice
     bool operator==(const Advice&) const = default;
 };
 
-std::vector<Advice> advices;
-
 constexpr std::uintptr_t LARGE_PAGE = std::uintptr_t{2} << 20U;
 
 // An address that begins a large page. Nothing lies there: the hint alone is of interest.
@@ -33,31 +29,23 @@ constexpr std::uintptr_t ALIGNED = 1000 * LARGE_PAGE;
 
 std::vector<Advice> advices_for(std::uintptr_t block, std::size_t size)
 {
-    advices.clear();
+    std::vector<Advice> advices;
+    const Interception take_advice(
+        madvise_call, [&](const auto&, void* start, std::size_t bytes, int advice) {
+            advices.push_back({reinterpret_cast<std::uintptr_t>(start), bytes, advice});
+            return 0;
+        });
     prefer_large_pages(reinterpret_cast<void*>(block), size);
     return advices;
 }
 
-} // namespace
-
-// Takes the C library's place, whose settings cannot be read back.
-int mallopt(int option, int value) noexcept
-{
-    malloc_options[option] = value;
-    return 1;
-}
-
-// Takes the C library's place, for not every kernel keeps such advice.
-int madvise(void* start, std::size_t size, int advice) noexcept
-{
-    advices.push_back({reinterpret_cast<std::uintptr_t>(start), size, advice});
-    return 0;
-}
-
-namespace {
-
 TEST(KeepReleasedMemory, SetsNoLimitToWhatIsKept)
 {
+    std::map<int, int> malloc_options; // the settings cannot be read back
+    const Interception take_option(mallopt_call, [&](const auto&, int option, int value) {
+        malloc_options[option] = value;
+        return 1;
+    });
     keep_released_memory();
     const std::map<int, int> expected = {{M_MMAP_THRESHOLD, INT_MAX}, {M_TRIM_THRESHOLD, INT_MAX}};
     EXPECT_EQ(malloc_options, expected);

@@ -23,13 +23,13 @@ import {
 } from "./support.js";
 
 const NGINX = process.env.FTHSUMMARY_NGINX;
-const POLICY_TOOL = path.join(SOURCE, "tools/content-policy");
+const POLICY_TOOL = path.join(SOURCE, "docs/content-policy");
 const RECIPE = fencedBlocks("docs/ci.md").find(({ file }) => file === "fthsummary.nginx").text;
 const POLICY = RECIPE.match(/Content-Security-Policy "(default-src [^"]*)"/)[1];
 
 let browser;
 before(async () => {
-  assert.ok(NGINX, "FTHSUMMARY_NGINX is not set: run tools/test-packaging");
+  assert.ok(NGINX, "FTHSUMMARY_NGINX is not set: run tools/test packaging");
   browser = await chromium.launch({
     executablePath: "/usr/bin/chromium",
     args: [
@@ -150,7 +150,7 @@ const style = (page, selector, property) =>
 
 test("the policy in the document is the one of today's page", (t) => {
   const page = path.join(bundled(t), "reports/index.html");
-  const hint = "run tools/update-content-policy";
+  const hint = "run tools/update/content-policy";
   assert.equal(run(POLICY_TOOL, [page]).stdout, `${POLICY}\n`, hint);
   assert.match(POLICY, /^default-src 'none'; /);
   assert.doesNotMatch(POLICY, /unsafe-inline|unsafe-eval|\*|https?:/);
@@ -164,7 +164,7 @@ test("the policy of a page with fewer parts allows nothing that the document's d
   }
 });
 
-test("tools/content-policy refuses a file that is no page", (t) => {
+test("docs/content-policy refuses a file that is no page", (t) => {
   const file = path.join(temporaryFolder(t), "x.html");
   fs.writeFileSync(file, "<p>no page</p>\n");
   assert.match(run(POLICY_TOOL, [file], { status: 1 }).stderr, /no summary page/);

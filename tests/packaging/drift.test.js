@@ -7,6 +7,7 @@ import path from "node:path";
 import { test } from "node:test";
 import {
   EXAMPLES,
+  FIRST,
   PROGRAM,
   SOURCE,
   bundledReports,
@@ -253,6 +254,22 @@ test("the closing lines in the README are of a form that the program prints", (t
   const printed = shape(run(PROGRAM, args, { cwd: folder, status: 1 }).stdout);
   const blocks = fencedBlocks("README.md").filter(({ text }) => text.startsWith("wrote "));
   assert.deepEqual(blocks.map(({ text }) => shape(text)), [printed]);
+});
+
+test("the lines of JSON in the README are the program's", (t) => {
+  const folder = temporaryFolder(t);
+  const printed = run("sh", ["-c", '"$0" --input examples/reports -o "$1/s.html" --json', PROGRAM, folder], {
+    cwd: FIRST,
+    status: 1,
+  });
+  assert.match(printed.stdout, /\+ json$/m);
+  const file = read(folder, "s.json");
+  const [block] = fencedBlocks("README.md").filter(({ text }) => text.startsWith("{\n"));
+  const lines = block.text.trimEnd().split("\n");
+  const pathLine = lines.findIndex((line) => line.includes("relative_path"));
+  // Which report comes first depends on the file system.
+  assert.ok(file.startsWith(lines.slice(0, pathLine).join("\n")), block.text);
+  assert.ok(file.includes(lines.slice(pathLine).join("\n")), block.text);
 });
 
 test("the bundled reports show every verdict", (t) => {

@@ -37,7 +37,7 @@ test("cmake --install puts program, man page, completions and papers in the usua
       "share/zsh/site-functions/_fthsummary",
     ],
   );
-  for (const file of ["docs/ci.md", "docs/summary.schema.json", "tools/content-policy"]) {
+  for (const file of ["docs/ci.md", "docs/summary.schema.json", "docs/content-policy"]) {
     assert.ok(files.includes(`share/doc/fthsummary/${file}`), file);
   }
   const examples = path.join(prefix, "share/doc/fthsummary/examples/reports");

@@ -1,4 +1,4 @@
-// tools/install-packages with stand-ins for apt-get and sudo: nothing is installed.
+// tools/lib/install-packages with stand-ins for apt-get and sudo: nothing is installed.
 
 import assert from "node:assert/strict";
 import fs from "node:fs";
@@ -7,7 +7,7 @@ import process from "node:process";
 import { test } from "node:test";
 import { SOURCE, read, run, temporaryFolder } from "./support.js";
 
-const SCRIPT = path.join(SOURCE, "tools/install-packages");
+const SCRIPT = path.join(SOURCE, "tools/lib/install-packages");
 const MISSING = "fthsummary-no-such-package";
 
 // A machine on which apt-get notes how it is called, for the user with that number.

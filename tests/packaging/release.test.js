@@ -1,4 +1,4 @@
-// tools/check-release and tools/release say yes to what agrees and no to what does not.
+// tools/lib/check-release and tools/release say yes to what agrees and no to what does not.
 
 import assert from "node:assert/strict";
 import fs from "node:fs";
@@ -16,7 +16,7 @@ function releaseCopy(t) {
   return folder;
 }
 
-const check = (folder, status) => run(path.join(folder, "tools/check-release"), [], { status });
+const check = (folder, status) => run(path.join(folder, "tools/lib/check-release"), [], { status });
 
 function replaceIn(file, pattern, text) {
   const before = fs.readFileSync(file, "utf8");
@@ -85,7 +85,7 @@ test("tools/release refuses an argument that it does not know", (t) => {
 test("a changelog without a dated release is refused", (t) => {
   const file = path.join(temporaryFolder(t), "CHANGELOG.md");
   fs.writeFileSync(file, "# Changes\n\n## 1.0.0\n\n- Something.\n");
-  const { stderr } = run(path.join(FIRST, "tools/debian-changelog"), ["--epoch", file], { status: 1 });
+  const { stderr } = run(path.join(FIRST, "tools/lib/debian-changelog"), ["--epoch", file], { status: 1 });
   assert.match(stderr, /no heading such as/);
 });
 
@@ -93,7 +93,7 @@ test("Debian's changelog holds every release, newest first, with wrapped items",
   const file = path.join(temporaryFolder(t), "CHANGELOG.md");
   const long = `${"word ".repeat(20)}end.`;
   fs.writeFileSync(file, `# Changes\n\n## 1.1.0-rc1 (2027-02-03)\n\n- \`Two\`.\n- ${long}\n\n## 1.0.0 (2026-11-20)\n\n- One.\n`);
-  const { stdout } = run(path.join(FIRST, "tools/debian-changelog"), ["A B <a@b>", file]);
+  const { stdout } = run(path.join(FIRST, "tools/lib/debian-changelog"), ["A B <a@b>", file]);
   const words = "word ".repeat(14).trim();
   assert.equal(
     stdout,

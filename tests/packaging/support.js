@@ -1,4 +1,4 @@
-// What the tests of installation, packages and documents share. tools/test-packaging
+// What the tests of installation, packages and documents share. tools/test packaging
 // sets the environment: two copies of the tree in which tools/package has run.
 
 import assert from "node:assert/strict";
@@ -14,7 +14,7 @@ export const SOURCE = path.resolve(path.dirname(fileURLToPath(import.meta.url)),
 
 function builtCopy(variable) {
   const folder = process.env[variable];
-  assert.ok(folder, `${variable} is not set: run tools/test-packaging`);
+  assert.ok(folder, `${variable} is not set: run tools/test packaging`);
   return folder;
 }
 

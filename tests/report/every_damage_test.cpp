@@ -1,19 +1,17 @@
-// The report reader on documents that are cut at any byte, or have any one byte
-// replaced, left out or doubled.
+// The report reader beside a naive one, on documents that are cut at any byte or have
+// any byte replaced, left out or doubled. No list of plain cases is that complete: of the
+// reader's mutants, some fall to nothing else.
 
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <iostream>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "report/document_generator.h"
-#include "report/entry_comparison.h"
-#include "report/guarded_text.h"
 #include "report/naive_scraper.h"
 #include "report/read_analyze_report.h"
 #include "report/scraped_report.h"
@@ -21,40 +19,23 @@
 #include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
-using namespace std::string_literals;
 
 namespace {
 
-// Bundled reports are long, and each cut of one is read anew. In a slow build only the
-// cuts that are this near to what the reader looks for are made.
-constexpr std::size_t NEAR = 32;
-
-// Every so many cuts of a small document, one goes through a file.
-constexpr std::size_t FILE_STEP = 7;
-
-std::string passed_document()
-{
-    return verdict("PASS") + mode_figure("Loopback", "stereo") +
-           bar(passing_tab("Level") + gating_tab("Noise") + non_gating_tab("Jitter"));
-}
-
-std::string failed_document()
-{
-    return bar(passing_tab("Level") + gating_tab("Noise &amp; Hum") + non_gating_tab("Jitter") +
-               gating_tab("Clip")) +
-           mode_figure("Loopback", "48 kHz") + verdict("FAIL");
-}
-
-std::string errored_document()
-{
-    return "<!doctype html>\n" + verdict("ERROR") +
-           run_error("a &lt;b&gt; &amp;amp; &quot;c&quot; isn&#39;t") +
-           mode_figure("Loopback", "stereo") + bar(gating_tab("Noise"));
-}
+// Bundled reports are long, and each cut of one is read anew: this far apart in a fast
+// build, and in a slow one.
+constexpr std::size_t CUT_STEP = IS_FAST_BUILD ? 7 : 101;
 
 std::vector<std::string> small_documents()
 {
-    return {passed_document(), failed_document(), errored_document()};
+    return {verdict("PASS") + mode_figure("Loopback", "stereo") +
+                bar(passing_tab("Level") + gating_tab("Noise") + non_gating_tab("Jitter")),
+            bar(passing_tab("Level") + gating_tab("Noise &amp; Hum") + non_gating_tab("Jitter") +
+                gating_tab("Clip")) +
+                mode_figure("Loopback", "48 kHz") + verdict("FAIL"),
+            "<!doctype html>\n" + verdict("ERROR") +
+                run_error("a &lt;b&gt; &amp;amp; &quot;c&quot; isn&#39;t") +
+                mode_figure("Loopback", "stereo") + bar(gating_tab("Noise"))};
 }
 
 std::vector<std::string> bundled_reports()
@@ -69,168 +50,101 @@ std::vector<std::string> bundled_reports()
     return reports;
 }
 
-// Judges documents one after another; the entry and the memory serve them all.
+// Judges documents one after another, and sees to it that they are of all kinds.
 class Judge
 {
 public:
-    explicit Judge(std::size_t capacity) : memory_(capacity) {}
+    ~Judge()
+    {
+        EXPECT_EQ(seen_.size(), 4U) << "passed, failed, errored and no reports";
+    }
 
-    // A document may hold NUL bytes: read is what stands before the first.
     void expect_agreement(const std::string& document)
     {
-        const NaiveEntry naive = naive_scrape(document);
+        const ReadReport naive = naive_scrape(document);
         std::memset(&entry_, OLD_BYTE, sizeof entry_);
-        scrape_analyze_report(memory_.place(document.c_str()), RELATIVE_PATH, entry_);
-        ++documents_;
-        seen_.insert(static_cast<int>(naive.kind) * 2 + (naive.passed ? 1 : 0));
-        if (!agree(entry_, naive)) {
-            FAIL() << differences(entry_, naive) << "of:\n" << printable(document);
-        }
-    }
-
-    std::uint64_t documents() const
-    {
-        return documents_;
-    }
-
-    // Passed, failed, errored, no report.
-    std::size_t kinds() const
-    {
-        return seen_.size();
+        // In a block that ends with the NUL, for a sanitizer to see what is read behind it.
+        const std::vector<char> block(document.c_str(), document.c_str() + document.size() + 1);
+        scrape_analyze_report(block.data(), RELATIVE_PATH, entry_);
+        seen_.emplace(naive.kind, naive.passed);
+        ASSERT_EQ(visible_fields(entry_), naive) << document;
+        ASSERT_EQ(faults_of(entry_), "") << document;
     }
 
 private:
-    GuardedText memory_;
     ReportEntry entry_ = {};
-    std::uint64_t documents_ = 0;
-    std::set<int> seen_ = {};
+    std::set<std::pair<ReportKind, bool>> seen_ = {};
 };
-
-bool is_near_marker(const std::string& document, std::size_t cut)
-{
-    const std::string around = document.substr(cut - std::min(cut, NEAR), 2 * NEAR);
-    for (const char* marker : {"Overall Verdict", "Analysis Mode", "kpi-sub", "nav-tabs", "</nav>",
-                               "run-error", " data-fail", " data-nongating"}) {
-        if (around.find(marker) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
 
 } // namespace
 
-TEST(EveryCut, OfASmallDocumentIsReadAlikeInMemoryAndThroughFiles)
+// The naive reader must itself be right: what it makes of reports written by hand.
+TEST(NaiveScraper, ReadsReportsWrittenByHand)
 {
-    const TempFolder folder;
-    Judge judge(1000);
-    std::uint64_t cuts = 0;
-    std::uint64_t files = 0;
-    for (const std::string& document : small_documents()) {
-        cuts += document.size() + 1;
-        for (std::size_t cut = 0; cut <= document.size(); ++cut) {
-            judge.expect_agreement(document.substr(0, cut));
-            if (cut % FILE_STEP != 0) {
-                continue;
-            }
-            ++files;
-            folder.write("a.html", document.substr(0, cut));
-            ASSERT_EQ(differences(read_report(folder.path("a.html")),
-                                  naive_scrape(document.substr(0, cut))),
-                      "")
-                << "cut at " << cut << ":\n"
-                << printable(document);
-        }
-    }
-    EXPECT_EQ(judge.documents(), cuts);
-    EXPECT_EQ(judge.kinds(), 4U);
-    std::cout << judge.documents() << " cuts, " << files << " of them through files\n";
+    EXPECT_EQ(naive_scrape(small_documents()[0]),
+              (ReadReport{
+                  ReportKind::Analyzed, true, "Loopback", "stereo", {}, {"Jitter", "Noise"}, ""}));
+    EXPECT_EQ(naive_scrape(small_documents()[1]), (ReadReport{ReportKind::Analyzed,
+                                                              false,
+                                                              "Loopback",
+                                                              "48 kHz",
+                                                              {"Noise &amp; Hum", "Clip"},
+                                                              {"Jitter"},
+                                                              ""}));
+    EXPECT_EQ(naive_scrape(small_documents()[2]),
+              (ReadReport{ReportKind::RunError, false, "", "", {}, {}, "a <b> &amp; \"c\" isn't"}));
 }
 
-TEST(EveryCut, OfABundledReportIsReadAlike)
+TEST(EveryCut, OfADocumentIsReadAlike)
 {
-    const std::vector<std::string> reports = bundled_reports();
-    ASSERT_GE(reports.size(), 18U);
-    Judge judge(100000);
-    std::uint64_t left_out = 0;
-    std::uint64_t bytes = 0;
-    for (const std::string& report : reports) {
-        bytes += report.size() + 1;
-        for (std::size_t cut = 0; cut <= report.size() && !HasFatalFailure(); ++cut) {
-            if (IS_FAST_BUILD || is_near_marker(report, cut)) {
-                judge.expect_agreement(report.substr(0, cut));
-            } else {
-                ++left_out;
-            }
+    Judge judge;
+    for (const std::string& document : small_documents()) {
+        for (std::size_t cut = 0; cut <= document.size() && !HasFatalFailure(); ++cut) {
+            judge.expect_agreement(document.substr(0, cut));
         }
     }
-    EXPECT_EQ(judge.documents() + left_out, bytes);
-    EXPECT_EQ(judge.kinds(), 4U);
-    std::cout << judge.documents() << " cuts of " << reports.size() << " reports; " << left_out
-              << " cuts far from any marker left out\n";
+    const std::vector<std::string> reports = bundled_reports();
+    ASSERT_GE(reports.size(), 18U);
+    for (const std::string& report : reports) {
+        for (std::size_t cut = 0; cut <= report.size() && !HasFatalFailure(); cut += CUT_STEP) {
+            judge.expect_agreement(report.substr(0, cut));
+        }
+    }
 }
 
 TEST(EveryByte, ReplacedByEveryOtherIsReadAlike)
 {
-    Judge judge(1000);
-    std::uint64_t bytes = 0;
+    Judge judge;
     for (const std::string& document : small_documents()) {
-        bytes += document.size();
         std::string changed = document;
         for (std::size_t place = 0; place < document.size(); ++place) {
-            for (int byte = 0; byte < 256; ++byte) {
+            for (int byte = 0; byte < 256 && !HasFatalFailure(); ++byte) {
                 changed[place] = static_cast<char>(byte);
                 judge.expect_agreement(changed);
             }
             changed[place] = document[place];
-            ASSERT_FALSE(HasFatalFailure());
         }
     }
-    EXPECT_EQ(judge.documents(), 256 * bytes);
-    EXPECT_EQ(judge.kinds(), 4U);
-    std::cout << judge.documents() << " documents\n";
 }
 
-TEST(EveryByte, LeftOutDoubledOrPrecededByANulIsReadAlike)
+// And every stretch up to a marker's length, as a careless transfer may lose or turn it.
+TEST(EveryByte, LeftOutDoubledTurnedRoundOrPrecededByANulIsReadAlike)
 {
-    Judge judge(1000);
-    std::uint64_t bytes = 0;
+    constexpr std::size_t LONGEST = 40;
+    Judge judge;
     for (const std::string& document : small_documents()) {
-        bytes += document.size();
-        for (std::size_t place = 0; place < document.size(); ++place) {
+        for (std::size_t place = 0; place < document.size() && !HasFatalFailure(); ++place) {
             const std::string before = document.substr(0, place);
-            const std::string behind = document.substr(place + 1);
-            judge.expect_agreement(before + behind);
-            judge.expect_agreement(before + document[place] + document[place] + behind);
-            judge.expect_agreement(before + '\0' + document[place] + behind);
-            ASSERT_FALSE(HasFatalFailure());
-        }
-    }
-    EXPECT_EQ(judge.documents(), 3 * bytes);
-    EXPECT_EQ(judge.kinds(), 4U);
-    std::cout << judge.documents() << " documents\n";
-}
-
-// Two neighbours in the other order, and every stretch of up to a marker's length left
-// out: what a careless transfer does.
-TEST(EveryStretch, LeftOutOrTurnedRoundIsReadAlike)
-{
-    Judge judge(1000);
-    for (const std::string& document : small_documents()) {
-        for (std::size_t place = 0; place < document.size(); ++place) {
-            for (std::size_t length = 2; place + length <= document.size() && length <= 40;
-                 ++length) {
-                std::string changed = document;
-                judge.expect_agreement(changed.erase(place, length));
-                changed = document;
-                const auto start = changed.begin() + static_cast<std::ptrdiff_t>(place);
-                std::reverse(start, start + static_cast<std::ptrdiff_t>(length));
-                judge.expect_agreement(changed);
+            const std::string behind = document.substr(place);
+            judge.expect_agreement(before + '\0' + behind);
+            for (std::size_t length = 1; length <= std::min(behind.size(), LONGEST); ++length) {
+                const std::string stretch = behind.substr(0, length);
+                const std::string rest = behind.substr(length);
+                judge.expect_agreement(before + rest);
+                judge.expect_agreement(before + stretch + behind);
+                judge.expect_agreement(before + std::string(stretch.rbegin(), stretch.rend()) +
+                                       rest);
             }
-            ASSERT_FALSE(HasFatalFailure());
         }
     }
-    EXPECT_GE(judge.documents(), 50000U);
-    EXPECT_EQ(judge.kinds(), 4U);
-    std::cout << judge.documents() << " documents\n";
 }

@@ -12,22 +12,20 @@ namespace {
 
 const std::string BAR = "<nav class=\"nav-tabs\">";
 
-ReportEntry failed_report(const std::string& bar_text)
+ReadReport failed_report(const std::string& bar_text)
 {
-    const ReportEntry entry = scrape(verdict("FAIL") + bar_text);
-    EXPECT_EQ(entry.kind, ReportKind::Analyzed);
-    EXPECT_EQ(entry.passed, 0);
-    return entry;
+    const ReadReport report = scrape(verdict("FAIL") + bar_text);
+    EXPECT_EQ(report.kind, ReportKind::Analyzed);
+    EXPECT_FALSE(report.passed);
+    return report;
 }
 
 void expect_names(const std::string& bar_text, const Names& gating, const Names& non_gating)
 {
     SCOPED_TRACE(bar_text);
-    const ReportEntry entry = failed_report(bar_text);
-    EXPECT_EQ(failed_names(entry), gating);
-    EXPECT_EQ(non_gating_names(entry), non_gating);
-    EXPECT_TRUE(slots_untouched_from(entry.failed_checks, gating.size()));
-    EXPECT_TRUE(slots_untouched_from(entry.non_gating_checks, non_gating.size()));
+    const ReadReport report = failed_report(bar_text);
+    EXPECT_EQ(report.failed_checks, gating);
+    EXPECT_EQ(report.non_gating_checks, non_gating);
 }
 
 // The tab is followed by another one, which shows whether the scan went on.
@@ -55,6 +53,8 @@ TEST(ReportTabs, AReportWithoutABarHasNoNames)
     expect_names(gating_tab("Level"), {}, {});
     expect_names("<nav class=\"nav-tab\">" + gating_tab("Level") + "</nav>", {}, {});
     expect_names("<nav class='nav-tabs'>" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<nav class=\"nav-tabs\" >" + gating_tab("Level") + "</nav>", {}, {});
+    expect_names("<nav class=\"nav-tabs\"" + gating_tab("Level") + "</nav>", {}, {});
     expect_names("<NAV class=\"nav-tabs\">" + gating_tab("Level") + "</nav>", {}, {});
 }
 
@@ -73,18 +73,6 @@ TEST(ReportTabs, ATabWhoseTagNeverClosesHasNoNameWhateverStandsBefore)
     expect_names(BAR + gating_tab("Level") + "<a data-fail</nav>", {"Level"}, {});
 }
 
-TEST(ReportTabs, ANameThatEndsLikeTheStartOfATabHidesNoTab)
-{
-    expect_first_name(gating_tab("One<a "), "One<a ");
-    expect_first_name(gating_tab("<a "), "<a ");
-}
-
-TEST(ReportTabs, AnEmptyBarYieldsNoNames)
-{
-    expect_names(bar(""), {}, {});
-    expect_names(BAR + "</nav>", {}, {});
-}
-
 TEST(ReportTabs, TheBarEndsAtTheFirstEndAfterItsStart)
 {
     expect_names("<nav></nav>" + BAR + gating_tab("in") + "</nav>" + gating_tab("out") + "</nav>",
@@ -97,9 +85,10 @@ TEST(ReportTabs, OnlyTheFirstBarCounts)
     expect_names(bar("") + bar(gating_tab("two")), {}, {});
 }
 
-TEST(ReportTabs, TabsBeforeTheBarAreNotRead)
+TEST(ReportTabs, TextBeforeTheOpeningTagMarksNoTab)
 {
-    expect_names(gating_tab("before") + bar(gating_tab("in")), {"in"}, {});
+    expect_passed_over(" data-fail data-nongating <a x>no</a> data-fail ");
+    expect_names(bar(" data-nongating " + gating_tab("Level")), {"Level"}, {});
 }
 
 TEST(ReportTabs, ATagOfExactlyADataFailIsAFailingGatingTab)
@@ -127,15 +116,6 @@ TEST(ReportTabs, ACapitalAIsNoTabAndTheScanMovesOn)
     expect_passed_over("<A data-fail>no</a>\n");
 }
 
-TEST(ReportTabs, OtherElementsAreNoTabs)
-{
-    expect_passed_over("<abbr data-fail>no</a>\n");
-    expect_passed_over("< a data-fail>no</a>\n");
-    expect_passed_over("<a>no</a>\n");
-    expect_passed_over("<button data-fail>no</button>\n");
-    expect_passed_over("<b data-fail>no</a>\n");
-}
-
 TEST(ReportTabs, ANameWithAReferenceKeepsIt)
 {
     expect_first_name("<a data-fail>A &amp; B</a>", "A &amp; B");
@@ -156,10 +136,10 @@ TEST(ReportTabs, ANameIsCutToItsFirst39Bytes)
     const std::string most = std::string(38, 'n') + "Z";
     for (const char* attributes : {"data-fail", "data-fail data-nongating"}) {
         const std::string tag = "<a "s + attributes + ">";
-        const ReportEntry entry =
+        const ReadReport report =
             failed_report(bar(tag + most.substr(1) + "</a>" + tag + most + "</a>" + tag + most +
                               "!</a>" + tag + std::string(5000, 'x') + "</a>"));
-        const Names names = together(failed_names(entry), non_gating_names(entry));
+        const Names names = together(report.failed_checks, report.non_gating_checks);
         EXPECT_EQ(names, Names({most.substr(1), most, most, std::string(39, 'x')}));
     }
 }
@@ -210,12 +190,6 @@ TEST(ReportTabs, ACloseInsideTheOpeningTagIsPartOfTheTag)
     expect_names(bar("<a data-fail </a>"), {}, {});
 }
 
-TEST(ReportTabs, DataFailHasToEndBeforeTheClosingAngle)
-{
-    expect_passed_over("<a data-fai>l data-fail</a>\n");
-    expect_passed_over("<a x> data-fail</a>\n");
-}
-
 TEST(ReportTabs, DataNonGatingBeforeDataFailMakesANonGatingFailureAllTheSame)
 {
     expect_names(bar("<a data-nongating data-fail>A</a><a data-fail data-nongating>B</a>"
@@ -236,12 +210,6 @@ TEST(ReportTabs, DataNonGatingNeedsItsExactBytesInsideTheTag)
                  {"A", "B", "C", " data-nongating", "D"}, {});
     expect_names(bar("<a data-fail data-nongating-x>A</a><a data-fail=\"x data-nongating\">B</a>"),
                  {}, {"A", "B"});
-}
-
-TEST(ReportTabs, ATabThatTouchesTheEndOfTheBarIsRead)
-{
-    expect_names(BAR + "<a data-fail>A</a></nav>", {"A"}, {});
-    expect_names(BAR + "<a data-fail></a></nav>", {""}, {});
 }
 
 TEST(ReportTabs, ANameThatIsNotClosedBeforeTheEndOfTheBarIsNotRead)
@@ -269,10 +237,10 @@ TEST(ReportTabs, AFailedScanDoesNotKeepTheModeFromBeingRead)
     const std::string figure = mode_figure("Loopback", "stereo");
     for (const std::string& broken :
          {BAR + "<a data-fail>A</nav>", BAR + "<a data-fail</nav>", BAR, BAR + "</nav>"}) {
-        const ReportEntry entry = failed_report(broken + figure);
-        EXPECT_EQ(entry.failed_check_count, 0U);
-        EXPECT_STREQ(entry.analysis_mode, "Loopback");
-        EXPECT_STREQ(entry.analysis_mode_sub, "stereo");
+        const ReadReport report = failed_report(broken + figure);
+        EXPECT_EQ(report.failed_checks, Names());
+        EXPECT_EQ(report.analysis_mode, "Loopback");
+        EXPECT_EQ(report.analysis_mode_sub, "stereo");
     }
 }
 
@@ -282,17 +250,6 @@ TEST(ReportTabs, AnUnclosedTabTakesInTheNextOne)
                  {"A<a data-fail>B", "C"}, {});
     expect_names(bar("<a x>A<a data-fail>B</a><a data-fail>C</a>"), {"C"}, {});
     expect_names(bar("<a x <a data-fail>B</a>"), {"B"}, {});
-}
-
-TEST(ReportTabs, TheNextTabMayFollowTheCloseDirectly)
-{
-    expect_names(BAR + "<a data-fail>A</a><a data-fail>B</a></nav>", {"A", "B"}, {});
-}
-
-TEST(ReportTabs, CarriageReturnsBetweenTabsDoNoHarm)
-{
-    expect_names(BAR + "\r\n<a data-fail>A</a>\r\n<a data-fail>B</a>\r\n</nav>\r\n", {"A", "B"},
-                 {});
 }
 
 TEST(ReportTabs, FifteenSixteenAndSeventeenGatingNamesGiveAtMostSixteen)
@@ -314,30 +271,10 @@ TEST(ReportTabs, TwentyGatingTabsKeepTheFirstSixteenAndANonGatingTabAfterThemIsN
     expect_names(bar(gating_tabs("g", 20) + non_gating_tab("late")), numbered("g", 16), {});
 }
 
-TEST(ReportTabs, TheScanStopsForBothKindsWhenEitherListIsFull)
-{
-    expect_names(bar(gating_tabs("g", 16) + non_gating_tab("late")), numbered("g", 16), {});
-    expect_names(bar(non_gating_tabs("n", 16) + gating_tab("late")), {}, numbered("n", 16));
-}
-
 TEST(ReportTabs, WithFifteenNamesInAListTheScanGoesOn)
 {
     expect_names(bar(gating_tabs("g", 15) + non_gating_tab("late")), numbered("g", 15), {"late"});
     expect_names(bar(non_gating_tabs("n", 15) + gating_tab("late")), {"late"}, numbered("n", 15));
     expect_names(bar(gating_tabs("g", 15) + non_gating_tabs("n", 15)), numbered("g", 15),
                  numbered("n", 15));
-}
-
-TEST(ReportTabs, PassingTabsDoNotCountTowardsSixteen)
-{
-    std::string tabs;
-    for (int i = 0; i < 100; ++i) {
-        tabs += passing_tab("fine");
-    }
-    expect_names(bar(tabs + gating_tab("Level")), {"Level"}, {});
-}
-
-TEST(ReportTabs, ABrokenTabAfterTheSixteenthDoesNoHarm)
-{
-    expect_names(BAR + gating_tabs("g", 16) + "<a data-fail</nav>", numbered("g", 16), {});
 }

@@ -3,25 +3,27 @@
 
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
-#include "report/entry_comparison.h"
+#include "report/naive_scraper.h"
 #include "report/report_entry.h"
+#include "report/visible_fields.h"
 
 inline constexpr char RELATIVE_PATH[] = "runs/a.html";
 
-// The entry for a document in memory, or for a file. The test fails if the reader
-// writes beside the entry or leaves an unsound one. The document is handed over in
-// a block that ends with its NUL, so that a sanitizer sees any read beyond it.
-ReportEntry scrape(std::string_view document);
-ReportEntry read_report(const std::string& full_path);
+// What the reader makes of a document in memory, or of a file. The test fails if it
+// leaves an unsound entry. The document is handed over in a block that ends with its
+// NUL, so that a sanitizer sees any read beyond it.
+ReadReport scrape(std::string_view document);
+ReadReport read_report(const std::string& full_path);
 
-// The test fails unless what holds for every entry holds.
-void expect_sound(const ReportEntry& entry);
+// Of this kind, and everything else in it empty.
+ReadReport empty_report(ReportKind kind);
 
-// The test fails unless the entry is of this kind and everything else in it empty.
-void expect_empty(const ReportEntry& entry, ReportKind kind);
+// For messages of failed tests.
+std::ostream& operator<<(std::ostream& out, const ReadReport& report);
 
 std::string repeated(std::string_view text, std::uint64_t count);
 

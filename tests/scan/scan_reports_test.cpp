@@ -821,7 +821,6 @@ TEST(ScanReports, FailsWhicheverAllocationFailsAndKeepsWhatWasListedBefore)
     }
     const Paths all = listed(temp.path());
     ASSERT_EQ(all.size(), 75U);
-    using Length = AllocationFault::Length;
     for (const Length length : {Length::Once, Length::FromThenOn}) {
         std::uint64_t number = 1;
         std::uint64_t failures = 1;

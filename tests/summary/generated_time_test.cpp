@@ -12,7 +12,6 @@
 
 #include "summary/page_model.h"
 #include "summary/summary_page.h"
-#include "support/temp_folder.h"
 
 namespace {
 
@@ -57,13 +56,6 @@ std::string utc_now()
     return text.data();
 }
 
-std::string generated_time()
-{
-    std::array<char, GENERATED_TIME_SIZE> text = {};
-    format_generated_time(text.data(), text.size());
-    return text.data();
-}
-
 // What lies in 64 bytes of 0x55 after the time was written with this size.
 std::string bytes_after(std::size_t size)
 {
@@ -76,34 +68,13 @@ std::string footer(const char* version)
 {
     SummaryModel model = model_of({});
     model.version = version;
-    AppendedText text;
-    EXPECT_TRUE(append_page_footer(text.buffer, model));
-    return text.text();
+    return appended([&](TextBuffer& buffer) { return append_page_footer(buffer, model); });
 }
 
 constexpr std::array<const char*, 5> ZONES = {"UTC", "EAST-14", "WEST+12", "HALF-05:30",
                                               "MEZ-1MESZ,M3.5.0,M10.5.0/3"};
 
 } // namespace
-
-TEST(GeneratedTime, IsTheCurrentTimeInUtcWhateverTheLocalZone)
-{
-    for (const char* zone : ZONES) {
-        const TimeZone local(zone);
-        const std::string before = utc_now();
-        const std::string time = generated_time();
-        const std::string after = utc_now();
-        EXPECT_LE(before, time) << zone;
-        EXPECT_LE(time, after) << zone;
-    }
-}
-
-TEST(GeneratedTime, Has23CharactersAndEndsInUtc)
-{
-    const std::string time = generated_time();
-    EXPECT_EQ(time.size(), 23U);
-    EXPECT_TRUE(time.ends_with(" UTC"));
-}
 
 TEST(GeneratedTime, NeedsExactly24Bytes)
 {
@@ -127,35 +98,26 @@ TEST(GeneratedTime, LeavesADestinationOfNoBytesAlone)
     EXPECT_EQ(bytes_after(0), std::string(64, '\x55'));
 }
 
-TEST(PageFooter, HoldsVersionAndTime)
+TEST(PageFooter, HoldsTheTimeAndTheVersionAsItIs)
 {
-    EXPECT_EQ(with_time_replaced(footer("0.7.1-beta")), R"(<footer>
+    EXPECT_EQ(with_time_replaced(footer("<&>\"%d")), R"(<footer>
 <div class="footer-row-top">
-<span><b>Fathomix Summary</b> v0.7.1-beta</span>
+<span><b>Fathomix Summary</b> v<&>"%d</span>
 <span>summary generated TIME</span>
 </div>
 </footer>
 )");
 }
 
-TEST(PageFooter, DoesNotEscapeTheVersion)
-{
-    EXPECT_EQ(count_of("</b> v<&>\"%d</span>\n", footer("<&>\"%d")), 1);
-}
-
 TEST(PageFooter, TimeEndsInUtcAndShowsUtcWhateverTheLocalZone)
 {
     for (const char* zone : ZONES) {
         const TimeZone local(zone);
-        const TempFolder folder;
         const std::string before = utc_now();
-        ASSERT_TRUE(write_summary_page(folder.path("s.html").c_str(), model_of({})));
+        const std::string markup = footer("1");
         const std::string after = utc_now();
-        const std::string page = folder.read("s.html");
-        const std::string lead = "<span>summary generated ";
-        const std::string time = page.substr(page.find(lead) + lead.size(), 23);
+        const std::string time = markup.substr(markup.find(" UTC") - 19, 23);
         EXPECT_LE(before, time) << zone;
         EXPECT_LE(time, after) << zone;
-        EXPECT_TRUE(time.ends_with(" UTC")) << zone;
     }
 }

@@ -8,25 +8,22 @@
 
 #include "summary/json_summary.h"
 #include "summary/page_model.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 
 std::string escaped_json(std::string_view text)
 {
-    AppendedText result;
-    EXPECT_TRUE(json_append_escaped(result.buffer, text));
-    return result.text();
+    return appended([&](TextBuffer& buffer) { return json_append_escaped(buffer, text); });
 }
 
 std::string string_array(const std::vector<std::string>& names)
 {
     ReportEntry entry = failed_report("a.html");
     set_failed_checks(entry, names);
-    AppendedText result;
-    EXPECT_TRUE(
-        json_append_string_array(result.buffer, entry.failed_checks, entry.failed_check_count));
-    return result.text();
+    return appended([&](TextBuffer& buffer) {
+        return json_append_string_array(buffer, entry.failed_checks, entry.failed_check_count);
+    });
 }
 
 } // namespace
@@ -61,16 +58,6 @@ TEST(JsonAppendEscaped, WritesControlBytesWithFourLowerCaseHexadecimalDigits)
               R"(\u0001\u0008\u000b\u000c\u000e\u000f\u0010\u001a\u001b\u001f)");
 }
 
-TEST(JsonAppendEscaped, LeavesTheSolidusAndDeleteAndHighBytesAlone)
-{
-    EXPECT_EQ(escaped_json("/\x7f\x80\xc3\xa4\xff"), "/\x7f\x80\xc3\xa4\xff");
-}
-
-TEST(JsonAppendEscaped, AppendsNothingForAnEmptyText)
-{
-    EXPECT_EQ(escaped_json(""), "");
-}
-
 TEST(JsonAppendEscaped, AppendsBehindWhatTheBufferHolds)
 {
     AppendedText result;
@@ -78,18 +65,6 @@ TEST(JsonAppendEscaped, AppendsBehindWhatTheBufferHolds)
     ASSERT_TRUE(json_append_escaped(result.buffer, "\"after\""));
     EXPECT_EQ(result.text(), "before \\\"after\\\"");
     EXPECT_EQ(result.buffer.data[result.buffer.length], '\0');
-}
-
-TEST(JsonAppendEscaped, NeedsRoomForBothCharactersOfAShortEscapeAndTheNul)
-{
-    AppendedText fits;
-    ASSERT_TRUE(text_buffer_append(fits.buffer, std::string(253, 'x')));
-    ASSERT_TRUE(json_append_escaped(fits.buffer, "\n"));
-    EXPECT_EQ(fits.buffer.capacity, 256U);
-    AppendedText grows;
-    ASSERT_TRUE(text_buffer_append(grows.buffer, std::string(254, 'x')));
-    ASSERT_TRUE(json_append_escaped(grows.buffer, "\n"));
-    EXPECT_EQ(grows.buffer.capacity, 512U);
 }
 
 TEST(JsonAppendEscaped, NeverLeavesHalfAnEscapeBehindWhenMemoryRunsOut)

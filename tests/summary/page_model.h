@@ -1,24 +1,27 @@
 // What the tests of the summary room share: entries and models as a reading run
-// leaves them, a buffer that frees itself, and a reader of the JSON summary.
+// leaves them, and what the writers make of them.
 
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "core/text_buffer.h"
 #include "summary/summary_model.h"
+#include "support/read_back.h"
 
 // Entries as the report reader leaves them. Every byte that nobody may read holds
 // 0xAA, never a NUL: unused slots, and each text's field behind its NUL. The path
 // is borrowed and must outlive the entry.
 ReportEntry passed_report(const char* path);
 ReportEntry failed_report(const char* path);
-ReportEntry errored_report(const char* path, std::string_view error = "");
+ReportEntry errored_report(const char* path); // without a reason
+ReportEntry errored_report(const char* path, std::string_view error);
 ReportEntry unreadable_file(const char* path);
 ReportEntry unrelated_file(const char* path);
 
@@ -33,12 +36,15 @@ SummaryModel model_of(const std::vector<ReportEntry>& entries, const char* input
 // "r001.html", "r002.html" and so on behind prefix; they sort in this order.
 std::vector<std::string> numbered_paths(std::string_view prefix, int count);
 
+// An entry for each path, which are borrowed.
+using MakeEntry = ReportEntry (*)(const char* path);
+std::vector<ReportEntry> entries_of(const std::vector<std::string>& paths, MakeEntry make);
+
+std::vector<ReportEntry> together(std::vector<ReportEntry> first,
+                                  const std::vector<ReportEntry>& second);
+
 // Every byte value but NUL, 0x01 to 0xff in order.
 std::string all_bytes();
-
-// text with & < > " ' as references, and "<wbr>" behind / and \ for a path.
-std::string escaped(std::string_view text);
-std::string escaped_path(std::string_view text);
 
 int count_of(std::string_view needle, std::string_view text);
 
@@ -56,6 +62,15 @@ public:
     TextBuffer buffer;
 };
 
+// What append, called with a buffer, appends to it. The test fails if it gives false.
+template <typename Append>
+std::string appended(const Append& append)
+{
+    AppendedText text;
+    EXPECT_TRUE(append(text.buffer));
+    return text.text();
+}
+
 // Makes folder the current directory for as long as it lives.
 class CurrentFolder
 {
@@ -69,54 +84,15 @@ private:
     std::filesystem::path before_;
 };
 
-// The Results section of these entries, counted here. The folder that is missing
-// by default makes every link the bare relative path.
+// The Results section of these entries. The folder that is missing by default makes
+// every link the bare relative path.
 std::string results_section(const std::vector<ReportEntry>& entries,
                             const char* input_dir = "no such folder",
                             const char* output_path = "summary.html");
 
-// The targets of all links in the markup, as they are written there.
-std::vector<std::string> linked_paths(const std::string& markup);
+// Where the links of the rows lead, table after table.
+std::vector<std::string> linked_paths(const std::vector<PageTable>& tables);
 
-// A page with its time of generation replaced by "TIME". The test fails unless the
-// page holds exactly one, at its place and of the right form.
-std::string with_time_replaced(const std::string& page);
-
-struct JsonReport
-{
-    std::string relative_path;
-    std::string verdict;
-    std::string analysis_mode;
-    std::string analysis_mode_sub;
-    std::vector<std::string> failed_checks;
-    std::vector<std::string> non_gating_checks;
-    std::string error;
-
-    bool operator==(const JsonReport&) const = default;
-};
-
-struct JsonOtherFile
-{
-    std::string relative_path;
-    std::string reason;
-
-    bool operator==(const JsonOtherFile&) const = default;
-};
-
-struct JsonSummary
-{
-    std::string scanned_directory;
-    std::uint64_t total_reports = 0;
-    std::uint64_t passed = 0;
-    std::uint64_t failed = 0;
-    std::uint64_t errored = 0;
-    std::vector<JsonReport> reports;
-    std::vector<JsonOtherFile> other_files;
-
-    bool operator==(const JsonSummary&) const = default;
-};
-
-// Reads a document back, its texts unescaped. Nothing for a document that departs
-// from the fixed layout by a single byte, or escapes a byte in another way than
-// the one that is due to it.
-std::optional<JsonSummary> read_json_summary(std::string_view document);
+// markup with its time of generation replaced by "TIME". The test fails unless it holds
+// exactly one.
+std::string with_time_replaced(const std::string& markup);

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "summary/page_model.h"
-#include "summary/report_tables.h"
+#include "summary/report_links.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -39,32 +39,17 @@ ResultsLinkContext resolved_context(const std::string& scanned_directory, const 
     return context;
 }
 
-std::string href_in(const std::string& markup)
-{
-    constexpr std::string_view LEAD = "<tr><td>1</td><td><a href=\"";
-    const std::size_t at = markup.find(LEAD);
-    if (at == markup.npos) {
-        ADD_FAILURE() << "no link in:\n" << markup;
-        return "";
-    }
-    const std::size_t start = at + LEAD.size();
-    return markup.substr(start, markup.find('"', start) - start);
-}
-
-// The link of a report with this path in the Passed and in the Failed table.
+// The link of a report with this path as it stands in an attribute.
 std::string href(const ResultsLinkContext& context, const std::string& relative_path)
 {
     const ReportEntry entry = passed_report(relative_path.c_str());
-    const ReportEntry* const view[] = {&entry};
-    AppendedText table;
-    std::uint64_t counter = 0;
-    EXPECT_TRUE(append_report_table(table.buffer, view, 1, 1, context, counter));
-    return href_in(table.text());
+    return appended([&](TextBuffer& buffer) { return append_link_target(buffer, entry, context); });
 }
 
+// The same where it stands in the page.
 std::string section_href(const ReportEntry& entry, const char* input_dir, const char* output_path)
 {
-    return href_in(results_section({entry}, input_dir, output_path));
+    return linked_paths(read_tables(results_section({entry}, input_dir, output_path))).at(0);
 }
 
 // A path of exactly this length whose components have 200 bytes, the last one
@@ -207,6 +192,16 @@ TEST(ResultsLinks, LeadFromThePagesFolderToTheReportInEveryTable)
         EXPECT_EQ(section_href(entry, ".", "out/s.html"), "../a/r.html");
         EXPECT_EQ(section_href(entry, "in/", "./out/../out/s.html"), "../in/a/r.html");
     }
+}
+
+TEST(ResultsLinks, LeadFromANewFolderOnceItIsThere)
+{
+    const TempFolder folder;
+    folder.make_folder("in");
+    const CurrentFolder current(folder.path());
+    EXPECT_EQ(section_href(passed_report("r.html"), "in", "new/deep/s.html"), "r.html");
+    folder.make_folder("new/deep");
+    EXPECT_EQ(section_href(passed_report("r.html"), "in", "new/deep/s.html"), "../../in/r.html");
 }
 
 TEST(ResultsLinks, LeadFromTheRootWithoutASingleStepUp)

@@ -1,34 +1,22 @@
 #include <algorithm>
-#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "summary/page_model.h"
 #include "summary/sorted_view.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 
 using Paths = std::vector<std::string>;
 
-// Entries of these paths, which they point into, all of them passed reports.
-std::vector<ReportEntry> make_entries(const Paths& paths)
-{
-    std::vector<ReportEntry> entries(paths.size());
-    for (std::size_t i = 0; i < paths.size(); ++i) {
-        entries[i].relative_path = paths[i].c_str();
-        entries[i].kind = ReportKind::Analyzed;
-        entries[i].passed = 1;
-    }
-    return entries;
-}
-
 Paths sorted_by_view(const Paths& paths)
 {
-    const std::vector<ReportEntry> entries = make_entries(paths);
-    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    const std::vector<ReportEntry> entries = entries_of(paths, passed_report);
+    const SummaryModel model = model_of(entries);
     SortedView view;
     sorted_view_init(view);
     EXPECT_TRUE(sorted_view_fill(view, model, entries.size()));
@@ -42,18 +30,12 @@ Paths sorted_by_view(const Paths& paths)
     return sorted;
 }
 
-TEST(SortedView, OfNothingIsEmpty)
+} // namespace
+
+TEST(SortedView, OfNoneOneOrEqualPathsHoldsThemAll)
 {
     EXPECT_EQ(sorted_by_view({}), Paths());
-}
-
-TEST(SortedView, OfOneReportHoldsIt)
-{
     EXPECT_EQ(sorted_by_view({"a.html"}), Paths({"a.html"}));
-}
-
-TEST(SortedView, OfEqualPathsHoldsThemAll)
-{
     EXPECT_EQ(sorted_by_view({"a", "a", "a"}), Paths({"a", "a", "a"}));
 }
 
@@ -61,8 +43,8 @@ TEST(SortedView, OfEqualPathsHoldsThemAll)
 TEST(SortedView, OfAThousandEqualPathsHoldsEachEntryOnce)
 {
     const Paths paths(1000, "folder/report.html");
-    const std::vector<ReportEntry> entries = make_entries(paths);
-    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    const std::vector<ReportEntry> entries = entries_of(paths, passed_report);
+    const SummaryModel model = model_of(entries);
     SortedView view;
     sorted_view_init(view);
     ASSERT_TRUE(sorted_view_fill(view, model, entries.size()));
@@ -103,11 +85,11 @@ TEST(SortedView, TellsPathsApartThatShareTheirFirstDistinctBytes)
 TEST(SortedView, LeavesOtherFilesOut)
 {
     const Paths paths = {"d", "c", "b", "a"};
-    std::vector<ReportEntry> entries = make_entries(paths);
+    std::vector<ReportEntry> entries = entries_of(paths, passed_report);
     entries[0].kind = ReportKind::Unreadable;
     entries[1].kind = ReportKind::RunError;
     entries[2].kind = ReportKind::NotAnalyzeReport;
-    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    const SummaryModel model = model_of(entries);
     SortedView view;
     sorted_view_init(view);
     ASSERT_TRUE(sorted_view_fill(view, model, 2));
@@ -146,12 +128,12 @@ TEST(SortedView, SortsRandomPathsAsAPlainSortDoes)
 TEST(SortedView, StaysEmptyWhenEitherAllocationFails)
 {
     const Paths paths = {"b", "a"};
-    const std::vector<ReportEntry> entries = make_entries(paths);
-    const SummaryModel model = {"in", entries.data(), entries.size(), "0"};
+    const std::vector<ReportEntry> entries = entries_of(paths, passed_report);
+    const SummaryModel model = model_of(entries);
     for (const std::uint64_t number : {1U, 2U}) {
         SortedView view;
         sorted_view_init(view);
-        const AllocationFault fault(number, AllocationFault::Length::Once);
+        const AllocationFault fault(number, Length::Once);
         EXPECT_FALSE(sorted_view_fill(view, model, 2));
         EXPECT_EQ(fault.failures(), 1U);
         EXPECT_EQ(view.entries, nullptr);
@@ -159,4 +141,23 @@ TEST(SortedView, StaysEmptyWhenEitherAllocationFails)
     }
 }
 
-} // namespace
+TEST(CompareEntriesByPath, HasTheSignOfTheComparisonOfUnsignedBytes)
+{
+    const Paths ascending = {"",   "\x01", " ",  "A", "Z",    "a",    "a.html",
+                             "a/", "a/b",  "ab", "b", "\x7f", "\x80", "\xff"};
+    const std::vector<ReportEntry> entries = entries_of(ascending, passed_report);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        for (std::size_t k = 0; k < entries.size(); ++k) {
+            const int order = compare_entries_by_path(entries[i], entries[k]);
+            EXPECT_EQ(order < 0, i < k) << i << " and " << k;
+            EXPECT_EQ(order > 0, i > k) << i << " and " << k;
+        }
+    }
+}
+
+TEST(CompareEntriesByPath, LooksAtThePathAlone)
+{
+    const std::string copy = "a.html";
+    EXPECT_EQ(compare_entries_by_path(passed_report("a.html"), errored_report(copy.c_str(), "e")),
+              0);
+}

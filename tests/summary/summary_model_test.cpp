@@ -1,5 +1,3 @@
-#include <cstddef>
-#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -28,16 +26,6 @@ ReportEntry entry_of_unknown_kind()
 }
 
 } // namespace
-
-TEST(SummaryModel, HoldsItsFieldsInTheOrderDirectoryEntriesCountVersion)
-{
-    EXPECT_EQ(offsetof(SummaryModel, input_dir), 0U);
-    EXPECT_EQ(offsetof(SummaryModel, entries), 8U);
-    EXPECT_EQ(offsetof(SummaryModel, count), 16U);
-    EXPECT_EQ(offsetof(SummaryModel, version), 24U);
-    EXPECT_EQ(sizeof(SummaryModel), 32U);
-    EXPECT_TRUE((std::is_same_v<decltype(SummaryModel::count), std::uint64_t>));
-}
 
 TEST(TallyEntries, IsAllZeroesForNoEntriesAtAll)
 {

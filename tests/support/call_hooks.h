@@ -1,46 +1,39 @@
-// Lets a test change the world between two calls of the code under test, as another
-// program might at any moment.
-//
-// Hooks sit in the wrapped file calls and in readdir (see file_faults.h and
-// unknown_entry_types.h), so only calls that our own objects make are seen.
+// Another name of call_faults.h, until no test uses it.
 
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <string_view>
+#include <optional>
 
-#include "support/file_faults.h"
+#include "support/call_faults.h"
 
-// While it lives, runs what it is given once: just before the file call of this kind
-// with this number (1 is the next one). One at a time.
+enum class FileCall
+{
+    Read,
+    Write,
+    Seek
+};
+
 class BeforeFileCall
 {
 public:
-    BeforeFileCall(FileCall call, std::uint64_t number, std::function<void()> change);
-    ~BeforeFileCall();
-    BeforeFileCall(const BeforeFileCall&) = delete;
-    BeforeFileCall& operator=(const BeforeFileCall&) = delete;
+    BeforeFileCall(FileCall call, std::uint64_t number, const std::function<void()>& change)
+    {
+        if (call == FileCall::Read) {
+            read_.emplace(pread_call, number, change);
+        } else if (call == FileCall::Write) {
+            write_.emplace(write_call, number, change);
+        } else {
+            seek_.emplace(lseek_call, number, change);
+        }
+    }
 
-    // Whether the call was made.
-    bool happened() const;
+    bool happened() const
+    {
+        return read_ ? read_->happened() : write_ ? write_->happened() : seek_->happened();
+    }
+
+private:
+    std::optional<BeforeCall<ssize_t, int, void*, std::size_t, off_t>> read_;
+    std::optional<BeforeCall<ssize_t, int, const void*, std::size_t>> write_;
+    std::optional<BeforeCall<off_t, int, off_t, int>> seek_;
 };
-
-// While it lives, runs what it is given once: when a listing has given the entry of
-// this name, or has come to its end for an empty name. One at a time.
-class AfterListing
-{
-public:
-    AfterListing(std::string name, std::function<void()> change);
-    ~AfterListing();
-    AfterListing(const AfterListing&) = delete;
-    AfterListing& operator=(const AfterListing&) = delete;
-
-    // Whether the entry was given.
-    bool happened() const;
-};
-
-// For the wrapped calls alone.
-void before_file_call(FileCall call);
-void after_listing_call(std::string_view name);

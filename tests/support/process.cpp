@@ -3,20 +3,25 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <filesystem>
 
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "support/temp_folder.h"
 
 namespace {
 
 constexpr unsigned TIME_LIMIT_SECONDS = 120;
 constexpr uid_t ORDINARY_USER = 65534;
-constexpr int CHILD_SETUP_FAILED = 127;
 
 void become_ordinary_user()
 {
@@ -99,6 +104,41 @@ void collect(std::array<pollfd, 2> pipes, ProcessResult& result)
     }
 }
 
+// Nothing that body throws may reach GoogleTest, which would go on with the test
+// program's other tests in the child.
+int result_of(const std::function<int()>& body)
+{
+    try {
+        return body();
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "in a child process: %s\n", exception.what());
+    } catch (...) {
+        std::fputs("in a child process: an exception of an unknown kind\n", stderr);
+    }
+    return BODY_THREW;
+}
+
+int run_in_child(const std::function<void()>& set_up, const std::function<int()>& body)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        set_up();
+        _exit(result_of(body));
+    }
+    return child < 0 ? -1 : status_of(child);
+}
+
+std::string reachable_program()
+{
+    if (run_unprivileged([] { return access(FTHSUMMARY_PROGRAM, X_OK) == 0 ? 0 : 1; }) == 0) {
+        return FTHSUMMARY_PROGRAM;
+    }
+    static const TempFolder folder;
+    std::filesystem::copy_file(FTHSUMMARY_PROGRAM, folder.path("fthsummary"));
+    folder.chmod("fthsummary", 0755);
+    return folder.path("fthsummary");
+}
+
 } // namespace
 
 ProcessResult run_process(const std::string& program, const std::vector<std::string>& arguments,
@@ -126,18 +166,30 @@ ProcessResult run_process(const std::string& program, const std::vector<std::str
     return result;
 }
 
+const std::string& fthsummary_program()
+{
+    static const std::string program = reachable_program();
+    return program;
+}
+
 ProcessResult run_fthsummary(const std::vector<std::string>& arguments,
                              const ProcessOptions& options)
 {
-    return run_process(FTHSUMMARY_PROGRAM, arguments, options);
+    return run_process(fthsummary_program(), arguments, options);
 }
 
 int run_unprivileged(const std::function<int()>& body)
 {
-    const pid_t child = fork();
-    if (child == 0) {
-        become_ordinary_user();
-        _exit(body());
-    }
-    return child < 0 ? -1 : status_of(child);
+    return run_in_child(become_ordinary_user, body);
+}
+
+int run_with_root(const std::string& folder, const std::function<int()>& body)
+{
+    const auto enter = [&folder] {
+        const bool may_change_root = geteuid() == 0 || unshare(CLONE_NEWUSER) == 0;
+        if (!may_change_root || chroot(folder.c_str()) != 0 || chdir("/") != 0) {
+            _exit(CHILD_SETUP_FAILED);
+        }
+    };
+    return run_in_child(enter, body);
 }

@@ -29,12 +29,25 @@ struct ProcessOptions
 ProcessResult run_process(const std::string& program, const std::vector<std::string>& arguments,
                           const ProcessOptions& options = {});
 
-// Runs fthsummary itself, the one that was built with these tests.
+// The path of fthsummary, the one that was built with these tests. Where the ordinary
+// user cannot reach that one, it is a copy in a temporary folder.
+const std::string& fthsummary_program();
+
+// Runs it.
 ProcessResult run_fthsummary(const std::vector<std::string>& arguments,
                              const ProcessOptions& options = {});
 
+// What the two below return instead of body's result: body threw something (which is
+// told on standard error), or the child could not be set up for it.
+inline constexpr int BODY_THREW = 126;
+inline constexpr int CHILD_SETUP_FAILED = 127;
+
 // Runs body in a child process as an ordinary user (user and group 65534 when the
-// test runs as root, else as is) and returns what it returns, 0 to 127; 128 plus
+// test runs as root, else as is) and returns what it returns, 0 to 125; 128 plus
 // the signal's number if a signal ended it. GoogleTest assertions in body do not
 // count: it says what it saw through its result.
 int run_unprivileged(const std::function<int()>& body);
+
+// The same as the test's own user, with folder as the root folder "/" and as the
+// current one. Not every machine lets a user other than root do so.
+int run_with_root(const std::string& folder, const std::function<int()>& body);

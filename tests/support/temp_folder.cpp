@@ -4,9 +4,14 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -14,9 +19,10 @@ TempFolder::TempFolder() : TempFolder(fs::temp_directory_path()) {}
 
 TempFolder::TempFolder(const fs::path& parent)
 {
+    umask(022);
     std::string pattern = (fs::canonical(parent) / "fthsummary-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr || ::chmod(pattern.c_str(), 0755) != 0) {
-        std::abort();
+        throw std::runtime_error("cannot make a folder in " + parent.string());
     }
     folder_ = pattern;
 }
@@ -66,6 +72,31 @@ void TempFolder::link(std::string_view target, std::string_view name) const
     const fs::path link = folder_ / name;
     fs::create_directories(link.parent_path());
     fs::create_symlink(target, link);
+}
+
+void TempFolder::make_fifo(std::string_view name) const
+{
+    make_folder(fs::path(name).parent_path().string());
+    ASSERT_EQ(mkfifo(path(name).c_str(), 0644), 0);
+}
+
+// Its address has room for a hundred bytes, which the path through the descriptor needs
+// less of than any other.
+void TempFolder::make_socket(std::string_view name) const
+{
+    const fs::path where = folder_ / name;
+    fs::create_directories(where.parent_path());
+    const int folder = open(where.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const std::string short_path =
+        "/proc/self/fd/" + std::to_string(folder) + "/" + where.filename().string();
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(short_path.size(), sizeof address.sun_path);
+    short_path.copy(address.sun_path, short_path.size());
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    close(descriptor);
+    close(folder);
 }
 
 void TempFolder::chmod(std::string_view name, unsigned mode) const

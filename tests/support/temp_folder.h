@@ -8,8 +8,9 @@
 #include <string_view>
 #include <vector>
 
-// A fresh folder (mode 0755, so that other users reach it) for the length of one
-// test; its path is canonical. Names are given relative to it.
+// A fresh folder for the length of one test; its path is canonical. Names are given
+// relative to it. Other users may read what the test makes, whatever umask it
+// was started with: making a folder sets 022.
 class TempFolder
 {
 public:
@@ -27,6 +28,8 @@ public:
     void write(std::string_view name, std::string_view bytes) const;
     void make_folder(std::string_view name) const;
     void link(std::string_view target, std::string_view name) const; // symbolic
+    void make_fifo(std::string_view name) const;
+    void make_socket(std::string_view name) const; // however long the folder's own path is
     void chmod(std::string_view name, unsigned mode) const;
 
     std::string read(std::string_view name) const; // the test fails if it cannot
