@@ -85,6 +85,7 @@ const DEFAULTS = {
   colorScheme: "light",
   reducedMotion: "no-preference",
   scripting: true,
+  storage: true,
   width: 1280,
   height: 900,
   scripts: [],
@@ -94,7 +95,7 @@ const DEFAULTS = {
 /**
  * Opens a file or a URL, hands its page to the body and checks that it stayed silent.
  * Options beside the window's width and height: colorScheme, reducedMotion, scripting
- * (false switches it off), scripts that run before those of the page, each
+ * and storage (false switches it off), scripts that run before those of the page, each
  * [function, parameter], and until, the event to wait for: "load" or "start", at which
  * the page is still coming.
  */

@@ -1,6 +1,11 @@
 // Debian's Chromium. A page has a context of its own: nothing stored is seen by the next.
 
+import { mkdirSync, writeFileSync } from "node:fs";
+import { join } from "node:path";
+
 import { chromium } from "playwright-core";
+
+import { newFolder } from "./program.js";
 
 const EXECUTABLE = "/usr/bin/chromium";
 const ARGUMENTS = [
@@ -26,13 +31,31 @@ function watch(context, seen) {
   context.on("request", (request) => seen.requests.push(request.url()));
 }
 
+/** Only a profile's own file can say that nothing may be stored. */
+function profileWithoutStorage() {
+  const profile = newFolder();
+  mkdirSync(join(profile, "Default"));
+  writeFileSync(
+    join(profile, "Default", "Preferences"),
+    JSON.stringify({ profile: { default_content_setting_values: { cookies: 2 } } }),
+  );
+  return profile;
+}
+
 async function newTab(browser, options, seen, patience) {
-  const { width, height, scripting, ...rest } = options;
-  const context = await browser.newContext({
-    ...rest,
+  const { width, height, colorScheme, reducedMotion, scripting, storage } = options;
+  const settings = {
+    colorScheme,
+    reducedMotion,
     javaScriptEnabled: scripting,
     viewport: { width, height },
-  });
+  };
+  const context = storage
+    ? await browser.newContext(settings)
+    : await chromium.launchPersistentContext(profileWithoutStorage(), {
+        ...LAUNCH_OPTIONS,
+        ...settings,
+      });
   context.setDefaultTimeout(patience);
   watch(context, seen);
   const page = await context.newPage();

@@ -28,6 +28,8 @@ async function inBrowser(browser, expression) {
 const MEDIA_SETTINGS = {
   colorScheme: (value) => `tab.prefersColorSchemeOverride = "${value}"`,
   media: (value) => `tab.mediumOverride = "${value === "print" ? "print" : ""}"`,
+  // Tells pages that nothing can be stored, by throwing; 5 is the value by default.
+  storage: (value) => `Services.prefs.setIntPref("network.cookie.cookieBehavior", ${value ? 5 : 2})`,
   scripting: (value) => `tab.allowJavascript = ${value}`,
   reducedMotion: (value) =>
     `Services.prefs.setIntPref("ui.prefersReducedMotion", ${value === "reduce" ? 1 : 0})`,
@@ -52,16 +54,13 @@ function watch(page, seen) {
 }
 
 async function newTab(browser, options, seen, patience) {
-  const { width, height, colorScheme, reducedMotion, scripting, offline } = options;
+  const { width, height, colorScheme, reducedMotion, scripting, storage } = options;
   const context = await browser.createBrowserContext();
   const page = await context.newPage();
   page.setDefaultTimeout(patience);
   watch(page, seen);
   await page.setViewport({ width, height });
-  await setMedia(browser, { colorScheme, reducedMotion, scripting });
-  if (offline) {
-    await page.setOfflineMode(true);
-  }
+  await setMedia(browser, { colorScheme, reducedMotion, scripting, storage });
   const send = (method, parameters) =>
     browser.connection.send(method, { context: page.mainFrame()._id, ...parameters });
   return {

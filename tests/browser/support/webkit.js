@@ -238,7 +238,7 @@ class Tab {
   async close() {
     await this.collect();
     await this.session.send("POST", "/url", { url: this.blank });
-    await this.evaluate("localStorage.clear()");
+    await this.evaluate("window.localStorage && localStorage.clear()");
   }
 }
 
@@ -305,8 +305,11 @@ export async function launch({ proxy, patience }) {
     return sessions.get(key);
   };
   return {
-    async newTab({ width, height, colorScheme, reducedMotion, scripting, until }, seen) {
-      const browserArguments = scripting ? [] : ["--enable-javascript=false"];
+    async newTab({ width, height, colorScheme, reducedMotion, scripting, storage, until }, seen) {
+      const browserArguments = [
+        ...(scripting ? [] : ["--enable-javascript=false"]),
+        ...(storage ? [] : ["--enable-html5-local-storage=false"]),
+      ];
       const session = await sessionFor(browserArguments, until === "load" ? "normal" : "none");
       const tab = new Tab(session, settings, home, seen);
       await tab.resize({ width, height });
