@@ -33,7 +33,7 @@ function startProxy() {
       if (!BROWSERS_OWN.test(line)) {
         asked.push(line);
       }
-      socket.end();
+      socket.end("HTTP/1.1 502 Bad Gateway\r\nContent-Length: 0\r\n\r\n");
     });
   });
   proxy.unref();

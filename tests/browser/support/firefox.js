@@ -4,6 +4,7 @@
 import { mkdtempSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
+import { setTimeout as pause } from "node:timers/promises";
 
 import puppeteer from "puppeteer-core";
 
@@ -44,13 +45,27 @@ function setMedia(browser, settings) {
 }
 
 function watch(page, seen) {
-  page.on("pageerror", (error) => seen.errors.push(String(error)));
+  // Names of files that are not UTF-8 stand in the page as they are.
+  page.on("pageerror", (error) => {
+    if (!error.message.startsWith("The byte stream was erroneous")) {
+      seen.errors.push(String(error));
+    }
+  });
   page.on("console", (message) => seen.errors.push(message.text()));
   page.on("dialog", (dialog) => {
     seen.errors.push(`dialog: ${dialog.message()}`);
     dialog.dismiss();
   });
   page.on("request", (request) => seen.requests.push(request.url()));
+}
+
+// The driver's own way waits for an event that a page out of the cache never sends.
+async function goBack(page) {
+  const from = page.url();
+  await page.evaluate("void setTimeout(() => history.back())");
+  while (page.url() === from || (await page.evaluate("document.readyState")) !== "complete") {
+    await pause(5);
+  }
 }
 
 async function newTab(browser, options, seen, patience) {
@@ -69,6 +84,7 @@ async function newTab(browser, options, seen, patience) {
         ? page.goto(url)
         : send("browsingContext.navigate", { url, wait: "none" }),
     reload: () => page.reload(),
+    back: () => goBack(page),
     evaluate: (expression) => page.evaluate(expression),
     resize: (size) => page.setViewport(size),
     setMedia: (media) => setMedia(browser, media),
@@ -111,6 +127,9 @@ export async function launch({ proxy, patience }) {
     timeout: patience,
     protocolTimeout: patience,
     extraPrefsFirefox: {
+      // Scroll bars that take no room, as in the other browsers' windows.
+      "ui.useOverlayScrollbars": 1,
+      "dom.security.https_first": false,
       "network.proxy.type": 1,
       "network.proxy.http": hostname,
       "network.proxy.http_port": Number(port),
