@@ -173,6 +173,5 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                                       resolved ? run.folder.data() : nullptr, shown_time(run.now)};
     write_and_judge(write_summary_page, judge_page, run, expected);
     write_and_judge(write_json_summary, judge_json, run, expected);
-    release_entries();
     return 0;
 }

@@ -1,7 +1,6 @@
 #include "support/expected_outputs.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -17,6 +16,7 @@ namespace {
 constexpr std::size_t LONG_PATH = 8192;
 
 using Names = char[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE];
+using Json = nlohmann::ordered_json;
 using Rows = std::vector<const ReportEntry*>;
 
 // The entries, parted as page and JSON part them; each in the order of the walk.
@@ -48,18 +48,13 @@ Parts part(std::span<const ReportEntry> entries)
 
 std::string due_link(std::string_view relative_path, const ExpectedOutputs& expected)
 {
-    static std::array<char, NAIVE_LINK_SIZE> link;
-    if (expected.output_folder != nullptr && expected.scanned_directory != nullptr) {
-        const std::string joined =
-            std::string(expected.scanned_directory) + "/" + std::string(relative_path);
-        if (joined.size() < LONG_PATH) {
-            const std::size_t length = naive_relative_link(expected.output_folder, joined, link);
-            if (length < LONG_PATH) {
-                return {link.data(), length};
-            }
-        }
+    const std::string path(relative_path);
+    if (expected.output_folder == nullptr || expected.scanned_directory == nullptr) {
+        return path;
     }
-    return std::string(relative_path);
+    const std::string joined = std::string(expected.scanned_directory) + "/" + path;
+    const std::string link = naive_relative_link(expected.output_folder, joined);
+    return joined.size() < LONG_PATH && link.size() < LONG_PATH ? link : path;
 }
 
 std::string due_name(std::string_view path)
@@ -131,6 +126,23 @@ void judge_other_files(const PageTable& table, const Rows& due)
     }
 }
 
+// The object may hold other keys, too.
+void require_keys(const Json& object, const Json& due)
+{
+    for (const auto& [key, value] : due.items()) {
+        require(object.at(key) == value, key.c_str());
+    }
+}
+
+Json json_names(const Names& slots, std::uint64_t count)
+{
+    Json names = Json::array();
+    for (std::uint64_t i = 0; i < count; ++i) {
+        names.push_back(as_characters(slots[i]));
+    }
+    return names;
+}
+
 template <typename Append>
 bool holds_once(std::string_view page, const Append& append)
 {
@@ -190,47 +202,33 @@ void judge_page(std::string_view page, const ExpectedOutputs& expected)
 
 void judge_json(std::string_view document, const ExpectedOutputs& expected)
 {
-    using Json = nlohmann::ordered_json;
     const Parts parts = part(expected.entries);
     const Json summary = read_json(document);
-    const auto holds = [](const Json& object, const char* key, std::string_view text) {
-        return object.at(key) == as_characters(text);
-    };
-    const auto lists = [](const Json& names, const Names& slots, std::uint64_t count) {
-        bool same = names.size() == count;
-        for (std::size_t i = 0; same && i < count; ++i) {
-            same = names[i] == as_characters(slots[i]);
-        }
-        return same;
-    };
-    require(holds(summary, "scanned_directory", expected.input_dir), "the directory's text");
-    require(summary.at("total_reports") == parts.reports.size(), "the reports' count");
-    require(summary.at("passed") == parts.passed.size(), "the passed reports' count");
-    require(summary.at("failed") == parts.failed.size(), "the failed reports' count");
-    require(summary.at("errored") == parts.errored.size(), "the errored runs' count");
-    require(summary.at("reports").size() == parts.reports.size(), "the list of reports");
-    require(summary.at("other_files").size() == parts.others.size(), "the list of other files");
-    for (std::size_t i = 0; i < parts.reports.size(); ++i) {
+    require_keys(summary, {{"scanned_directory", as_characters(expected.input_dir)},
+                           {"total_reports", parts.reports.size()},
+                           {"passed", parts.passed.size()},
+                           {"failed", parts.failed.size()},
+                           {"errored", parts.errored.size()}});
+    const Json& reports = summary.at("reports");
+    require(reports.size() == parts.reports.size(), "the number of reports");
+    for (std::size_t i = 0; i < reports.size(); ++i) {
         const ReportEntry& entry = *parts.reports[i];
-        const Json& report = summary["reports"][i];
         const char* verdict = entry.passed == 1 ? "PASS" : "FAIL";
-        require(holds(report, "relative_path", entry.relative_path), "a report's path");
-        require(holds(report, "verdict", entry.kind == ReportKind::RunError ? "ERROR" : verdict),
-                "a verdict");
-        require(holds(report, "analysis_mode", entry.analysis_mode), "a report's mode");
-        require(holds(report, "analysis_mode_sub", entry.analysis_mode_sub), "a report's sub-mode");
-        require(lists(report.at("failed_checks"), entry.failed_checks, entry.failed_check_count),
-                "a report's failed checks");
-        require(lists(report.at("non_gating_checks"), entry.non_gating_checks,
-                      entry.non_gating_check_count),
-                "a report's non-gating checks");
-        require(holds(report, "error", entry.error), "a report's error");
+        require_keys(reports[i],
+                     {{"relative_path", as_characters(entry.relative_path)},
+                      {"verdict", entry.kind == ReportKind::RunError ? "ERROR" : verdict},
+                      {"analysis_mode", as_characters(entry.analysis_mode)},
+                      {"analysis_mode_sub", as_characters(entry.analysis_mode_sub)},
+                      {"failed_checks", json_names(entry.failed_checks, entry.failed_check_count)},
+                      {"non_gating_checks",
+                       json_names(entry.non_gating_checks, entry.non_gating_check_count)},
+                      {"error", as_characters(entry.error)}});
     }
-    for (std::size_t i = 0; i < parts.others.size(); ++i) {
+    const Json& files = summary.at("other_files");
+    require(files.size() == parts.others.size(), "the number of other files");
+    for (std::size_t i = 0; i < files.size(); ++i) {
         const bool unreadable = parts.others[i]->kind == ReportKind::Unreadable;
-        const Json& file = summary["other_files"][i];
-        require(holds(file, "relative_path", parts.others[i]->relative_path), "a file's path");
-        require(holds(file, "reason", unreadable ? "unreadable" : "not_analyze_report"),
-                "a file's reason");
+        require_keys(files[i], {{"relative_path", as_characters(parts.others[i]->relative_path)},
+                                {"reason", unreadable ? "unreadable" : "not_analyze_report"}});
     }
 }

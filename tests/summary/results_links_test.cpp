@@ -52,30 +52,6 @@ std::string section_href(const ReportEntry& entry, const char* input_dir, const 
     return linked_paths(read_tables(results_section({entry}, input_dir, output_path))).at(0);
 }
 
-// A path of exactly this length whose components have 200 bytes, the last one
-// perhaps fewer.
-std::string path_of_length(std::size_t length)
-{
-    std::string path;
-    while (path.size() < length) {
-        path += path.size() % 201 == 200 ? '/' : 'p';
-    }
-    if (path.back() == '/') {
-        path.back() = 'p';
-    }
-    return path;
-}
-
-// "/f/f/f..." with this many components.
-std::string folder_of_depth(int components)
-{
-    std::string folder;
-    for (int i = 0; i < components; ++i) {
-        folder += "/f";
-    }
-    return folder;
-}
-
 } // namespace
 
 TEST(ResultsLinkContext, OutputPathWithoutASlashLiesInTheCurrentFolder)
@@ -233,27 +209,4 @@ TEST(ResultsLinks, JoinedPathOf8191CharactersIsLinkedAndOf8192IsBare)
     EXPECT_EQ(href(context, fits), std::string(255, 'x'));
     EXPECT_EQ(href(context, fits + "x"), fits + "x");
     EXPECT_EQ(href(context, fits + std::string(5000, 'x')), fits + std::string(5000, 'x'));
-}
-
-TEST(ResultsLinks, JoinedLengthCountsALongScannedDirectory)
-{
-    const std::string directory = "/" + std::string(4094, 'd');
-    const ResultsLinkContext context = resolved_context(directory, "/out");
-    EXPECT_EQ(href(context, std::string(4095, 'x')),
-              "../" + std::string(255, 'd') + "/" + std::string(255, 'x'));
-    EXPECT_EQ(href(context, std::string(4096, 'x')), std::string(4096, 'x'));
-}
-
-TEST(ResultsLinks, LinkOf8191CharactersIsWrittenAndALongerOneIsBare)
-{
-    const ResultsLinkContext context = resolved_context("/in", folder_of_depth(64));
-    std::string up;
-    for (int i = 0; i < 64; ++i) {
-        up += "../";
-    }
-    const std::string fits = path_of_length(7996);
-    ASSERT_EQ((up + "in/" + fits).size(), 8191U);
-    EXPECT_EQ(href(context, fits), up + "in/" + fits);
-    const std::string too_long = path_of_length(7997);
-    EXPECT_EQ(href(context, too_long), too_long);
 }

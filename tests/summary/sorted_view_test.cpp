@@ -133,10 +133,3 @@ TEST(CompareEntriesByPath, HasTheSignOfTheComparisonOfUnsignedBytes)
         }
     }
 }
-
-TEST(CompareEntriesByPath, LooksAtThePathAlone)
-{
-    const std::string copy = "a.html";
-    EXPECT_EQ(compare_entries_by_path(passed_report("a.html"), errored_report(copy.c_str(), "e")),
-              0);
-}
