@@ -20,22 +20,21 @@
 // False: as html_append_escaped.
 [[nodiscard]] bool html_append_escaped_path(TextBuffer& buffer, std::string_view text);
 
-// Text as a piece for append_all. False: as html_append_escaped.
+// Both as pieces for append_all. False: as html_append_escaped.
 struct Escaped
 {
     std::string_view text;
+};
+
+struct EscapedPath
+{
+    std::string_view path;
 };
 
 [[nodiscard]] inline bool append_part(TextBuffer& buffer, Escaped piece)
 {
     return html_append_escaped(buffer, piece.text);
 }
-
-// A visible path as a piece for append_all. False: as html_append_escaped.
-struct EscapedPath
-{
-    std::string_view path;
-};
 
 [[nodiscard]] inline bool append_part(TextBuffer& buffer, EscapedPath piece)
 {

@@ -151,8 +151,7 @@ bool visit(Walk& walk, const dirent& entry)
     case EntryUse::List:
         break;
     }
-    return is_page(walk, entry.d_type, name) ||
-           file_list_append(*walk.list, {walk.relative.data, walk.relative.length});
+    return is_page(walk, entry.d_type, name) || file_list_append(*walk.list, walk.relative.data);
 }
 
 bool is_listable(const char* folder)

@@ -71,17 +71,13 @@ const char* word_for(Outcome outcome)
     return "not_analyze_report";
 }
 
-bool append_counts(TextBuffer& buffer, const SummaryTally& tally)
-{
-    return text_buffer_appendf(buffer, R"(,
+constexpr char COUNTS[] = R"(,
     "total_reports": %ju,
     "passed": %ju,
     "failed": %ju,
     "errored": %ju,
-)",
-                               std::uintmax_t{total_reports(tally)}, std::uintmax_t{tally.passed},
-                               std::uintmax_t{tally.failed}, std::uintmax_t{tally.errored});
-}
+    "reports": [
+)";
 
 // Each member of a report's object stands on a line of its own.
 bool append_key(TextBuffer& buffer, std::string_view key)
@@ -96,8 +92,8 @@ bool append_member(TextBuffer& buffer, std::string_view key, std::string_view va
 
 bool append_report(TextBuffer& buffer, const ReportEntry& entry)
 {
-    return append_all(buffer,
-                      "        {\n            \"relative_path\": ", Quoted{entry.relative_path}) &&
+    return append_all(buffer, "        {\n            ", Quoted{"relative_path"}, ": ",
+                      Quoted{entry.relative_path}) &&
            append_member(buffer, "verdict", word_for(outcome_of(entry))) &&
            append_member(buffer, "analysis_mode", entry.analysis_mode) &&
            append_member(buffer, "analysis_mode_sub", entry.analysis_mode_sub) &&
@@ -122,23 +118,25 @@ bool append_array(TextBuffer& buffer, const SummaryModel& model,
                   bool (*append_element)(TextBuffer&, const ReportEntry&))
 {
     std::string_view separator = "";
-    for (std::uint64_t i = 0; i < model.count; ++i) {
+    bool complete = true;
+    for (std::uint64_t i = 0; complete && i < model.count; ++i) {
         if (belongs(model.entries[i])) {
-            if (!text_buffer_append(buffer, separator) ||
-                !append_element(buffer, model.entries[i])) {
-                return false;
-            }
+            complete =
+                text_buffer_append(buffer, separator) && append_element(buffer, model.entries[i]);
             separator = ",\n";
         }
     }
-    return text_buffer_append(buffer, separator.empty() ? "]" : "\n    ]");
+    return complete && text_buffer_append(buffer, separator.empty() ? "]" : "\n    ]");
 }
 
 bool append_document(TextBuffer& buffer, const SummaryModel& model)
 {
-    return append_all(buffer, "{\n    \"scanned_directory\": ", Quoted{model.input_dir}) &&
-           append_counts(buffer, tally_entries(model.entries, model.count)) &&
-           text_buffer_append(buffer, "    \"reports\": [\n") &&
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    return append_all(buffer, "{\n    ", Quoted{"scanned_directory"}, ": ",
+                      Quoted{model.input_dir}) &&
+           text_buffer_appendf(buffer, COUNTS, std::uintmax_t{total_reports(tally)},
+                               std::uintmax_t{tally.passed}, std::uintmax_t{tally.failed},
+                               std::uintmax_t{tally.errored}) &&
            append_array(buffer, model, is_report, append_report) &&
            text_buffer_append(buffer, ",\n    \"other_files\": [\n") &&
            append_array(

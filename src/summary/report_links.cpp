@@ -16,7 +16,8 @@ std::string_view folder_of(std::string_view output_path)
     if (slash == std::string_view::npos) {
         return ".";
     }
-    return slash == 0 ? "/" : output_path.substr(0, std::min(slash, PATH_BUFFER_SIZE - 1));
+    return slash == 0 ? "/"
+                      : output_path.substr(0, std::min<std::size_t>(slash, PATH_BUFFER_SIZE - 1));
 }
 
 } // namespace
@@ -43,6 +44,6 @@ bool append_link_target(TextBuffer& buffer, const ReportEntry& entry,
     const bool is_relative =
         context.links_relative &&
         append_all(path, context.scanned_directory, "/", entry.relative_path) &&
-        make_relative_path(context.output_folder, {path.data, path.length}, link, sizeof link);
+        make_relative_path(context.output_folder, path.data, link, sizeof link);
     return html_append_escaped(buffer, is_relative ? link : entry.relative_path);
 }

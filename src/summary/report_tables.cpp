@@ -18,13 +18,6 @@ constexpr char SECTION_START[] = R"(<section class="card" id="results">
 <div class="card-body">
 )";
 
-constexpr char ERRORED_TITLE[] = R"(<p class="compare-table-title">Errored</p>)"
-                                 "\n";
-constexpr char FAILED_TITLE[] = R"(<p class="compare-table-title">Failed</p>)"
-                                "\n";
-constexpr char PASSED_TITLE[] = R"(<p class="compare-table-title">Passed</p>)"
-                                "\n";
-
 constexpr char TABLE_START[] = R"(<div class="overflow-x">
 <table class="dt dt-numbered")";
 
@@ -160,22 +153,27 @@ bool append_table(TextBuffer& buffer, const char* header, Reports reports, std::
            append_all(buffer, "</tbody>\n</table></div>\n", is_paged ? PAGER : "");
 }
 
+bool append_title(TextBuffer& buffer, std::string_view title)
+{
+    return append_all(buffer, R"(<p class="compare-table-title">)", title, "</p>\n");
+}
+
 bool append_tables(TextBuffer& buffer, const SortedView& view, const ResultsLinkContext& links,
                    std::uint64_t failed, std::uint64_t errored)
 {
-    const Reports reports = {view.entries, view.entries + view.length};
+    const auto is_errored = [](const ReportEntry* report) {
+        return outcome_of(*report) == Outcome::Errored;
+    };
     std::uint64_t row_counter = 0;
     return text_buffer_append(buffer, SECTION_START) &&
-           (errored == 0 || (text_buffer_append(buffer, ERRORED_TITLE) &&
-                             append_table(buffer, ERRORED_HEADER, reports, errored,
-                                          [](const ReportEntry* report) {
-                                              return outcome_of(*report) == Outcome::Errored;
-                                          },
-                                          append_errored_row, {links, row_counter}))) &&
+           (errored == 0 ||
+            (append_title(buffer, "Errored") &&
+             append_table(buffer, ERRORED_HEADER, {view.entries, view.entries + view.length},
+                          errored, is_errored, append_errored_row, {links, row_counter}))) &&
            (failed == 0 ||
-            (text_buffer_append(buffer, FAILED_TITLE) &&
+            (append_title(buffer, "Failed") &&
              append_report_table(buffer, view.entries, view.length, 0, links, row_counter))) &&
-           text_buffer_append(buffer, PASSED_TITLE) &&
+           append_title(buffer, "Passed") &&
            append_report_table(buffer, view.entries, view.length, 1, links, row_counter) &&
            text_buffer_append(buffer, "</div>\n</section>\n");
 }

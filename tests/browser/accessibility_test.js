@@ -3,13 +3,12 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { test } from "node:test";
 
-import { useBrowser } from "./support/browser.js";
+import { testOnce, withPage } from "./support/browser.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
-const withPage = useBrowser();
+const test = testOnce("axe reads markup and colours, which are the same in every browser");
 const AXE = readFileSync(createRequire(import.meta.url).resolve("axe-core"), "utf8");
 
 const fullPage = pageOf(suite({ errors: 1, failed: 101, passed: 2, other: 1 }));

@@ -2,15 +2,13 @@
 
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { test } from "node:test";
 
-import { computed, useBrowser } from "./support/browser.js";
+import { test, withPage } from "./support/browser.js";
 import { DOTS, FULL_PAGE_LAYOUT, LAYOUT, PASSED_PAGE_LAYOUT } from "./support/layout.js";
 import { DARK_BLOCK, inTheme, LIGHT_BLOCK } from "./support/palette.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
-const withPage = useBrowser();
 const fullPage = pageOf(suite({ errors: 2, failed: 101, passed: 3, other: 2 }));
 const passedPage = pageOf(suite({ passed: 3 }));
 
@@ -44,7 +42,7 @@ function expectedIn(values, theme) {
 async function assertLayout(page, table, theme, pseudo) {
   for (const [selector, values] of table) {
     const expected = expectedIn(values, theme);
-    const actual = await computed(page, selector, Object.keys(expected), pseudo);
+    const actual = await page.computed(selector, Object.keys(expected), pseudo);
     assert.deepEqual(actual, expected, `${selector} in the ${theme} theme`);
   }
 }
@@ -58,7 +56,7 @@ for (const look of LOOKS) {
       }
       expected.set("--ref-trace", "#FF7F0E");
       expected.set("--dut-trace", "#1F77B4");
-      const values = await computed(page, "html", [...expected.keys()]);
+      const values = await page.computed("html", [...expected.keys()]);
       assert.deepEqual(values, Object.fromEntries(expected));
     });
   });
@@ -69,7 +67,7 @@ for (const look of LOOKS) {
         await assertLayout(page, FULL_PAGE_LAYOUT, look.theme);
         await assertLayout(page, DOTS, look.theme, "::before");
         const dot = ["border-top-left-radius"];
-        assert.deepEqual(await computed(page, ".badge", dot, "::before"), { [dot[0]]: "50%" });
+        assert.deepEqual(await page.computed(".badge", dot, "::before"), { [dot[0]]: "50%" });
       });
       await inLook(passedPage, look, width, async (page) => {
         await assertLayout(page, LAYOUT, look.theme);
@@ -121,8 +119,8 @@ test("five tiles wrap at 720 pixels and fill both rows", async () => {
 
 test("the page column is 1180 pixels wide at most, in the middle, on the page's background", async () => {
   await withPage(passedPage, { width: 1400 }, async (page) => {
-    const box = await page.locator(".dash").boundingBox();
-    assert.deepEqual([box.x, box.width], [110, 1180]);
+    const box = await page.box(".dash");
+    assert.deepEqual([box.left, box.width], [110, 1180]);
   });
 });
 
@@ -146,7 +144,7 @@ test("only the last body row of a table is without a line", async () => {
 
 test("the header of an empty table keeps its line", async () => {
   await withPage(pageOf([]), {}, async (page) => {
-    const values = await computed(page, "table.dt th", ["border-bottom-width"]);
+    const values = await page.computed("table.dt th", ["border-bottom-width"]);
     assert.deepEqual(values, { "border-bottom-width": "1px" });
   });
 });
@@ -167,7 +165,7 @@ for (const theme of ["light", "dark"]) {
       );
       await page.hover("[data-dt-next]");
       await assertLayout(page, [["[data-dt-next]", { "background-color": "--surface-sunken" }]], theme);
-      await page.hover("[data-dt-prev]", { force: true });
+      await page.hover("[data-dt-prev]");
       await assertLayout(page, [["[data-dt-prev]", { "background-color": "--surface" }]], theme);
     });
   });
@@ -180,7 +178,7 @@ for (const theme of ["light", "dark"]) {
       "outline-offset": "1px",
     };
     await withPage(fullPage, { colorScheme: theme }, async (page) => {
-      await page.keyboard.press("Tab");
+      await page.press("Tab");
       await assertLayout(page, [[".theme-toggle:focus", ring]], theme);
     });
     await withPage(fullPage, { colorScheme: theme }, async (page) => {
@@ -191,7 +189,7 @@ for (const theme of ["light", "dark"]) {
 
   test(`selected text: ${theme}`, async () => {
     await withPage(passedPage, { colorScheme: theme }, async (page) => {
-      const actual = await computed(page, "p", ["color", "background-color"], "::selection");
+      const actual = await page.computed("p", ["color", "background-color"], "::selection");
       assert.deepEqual(actual, {
         color: inTheme("--ink", theme),
         "background-color": inTheme("--accent-soft", theme),
@@ -209,8 +207,10 @@ test("motion stops for those who asked for less", async () => {
       }).length,
     );
   const addMotion = (page) =>
-    page.addStyleTag({
-      content: ".name { transition: color 1s; animation: x 1s } @keyframes x { to { top: 0 } }",
+    page.evaluate(() => {
+      const style = document.head.appendChild(document.createElement("style"));
+      style.textContent =
+        ".name { transition: color 1s; animation: x 1s } @keyframes x { to { top: 0 } }";
     });
   for (const [reducedMotion, expected] of [["no-preference", true], ["reduce", false]]) {
     await withPage(passedPage, { reducedMotion }, async (page) => {
@@ -257,16 +257,16 @@ test("parts of the analyzer's own reports have their colours", async () => {
       ],
       "light",
     );
-    const { "background-image": gradient } = await computed(page, "#track", ["background-image"]);
+    const { "background-image": gradient } = await page.computed("#track", ["background-image"]);
     assert.match(gradient, /^linear-gradient\(/);
     assert.equal(gradient.match(/rgb\(/g).length, 4);
   });
 });
 
 test("the hint at zooming goes at 960 pixels", async () => {
-  for (const [width, isShown] of [[961, true], [960, false]]) {
+  for (const [width, isShown] of [[961, 1], [960, 0]]) {
     await withParts(width, async (page) => {
-      assert.equal(await page.isVisible("#hint"), isShown, `${width} pixels`);
+      assert.equal(await page.countVisible("#hint"), isShown, `${width} pixels`);
     });
   }
 });

@@ -1,13 +1,11 @@
 // Paging of long tables.
 
 import assert from "node:assert/strict";
-import { test } from "node:test";
 
-import { useBrowser } from "./support/browser.js";
+import { test, withPage } from "./support/browser.js";
 import { pageOf, pageWith } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
-const withPage = useBrowser();
 const pages = new Map();
 
 function passedPage(count) {
@@ -36,13 +34,16 @@ async function visibleRows(page, table = "table.dt-numbered") {
 }
 
 /** Pager number n of the page: its status and which of its buttons can be pressed. */
-async function pagerState(page, index = 0) {
-  const pager = page.locator(".dt-pager").nth(index);
-  return {
-    status: await pager.locator(".dt-pager-status").textContent(),
-    previous: await pager.locator("[data-dt-prev]").isEnabled(),
-    next: await pager.locator("[data-dt-next]").isEnabled(),
-  };
+function pagerState(page, index = 0) {
+  return page.$eval(
+    ".dt-pager",
+    (pager) => ({
+      status: pager.querySelector(".dt-pager-status").textContent,
+      previous: !pager.querySelector("[data-dt-prev]").disabled,
+      next: !pager.querySelector("[data-dt-next]").disabled,
+    }),
+    index,
+  );
 }
 
 function state(status, previous, next) {
@@ -52,8 +53,8 @@ function state(status, previous, next) {
 for (const count of [0, 1, 99, 100]) {
   test(`${count} rows are not paged`, async () => {
     await withPage(passedPage(count), {}, async (page) => {
-      assert.equal(await page.locator(".dt-pager").count(), 0);
-      assert.equal(await page.locator("[data-page-size], tbody tr[hidden]").count(), 0);
+      assert.equal(await page.count(".dt-pager"), 0);
+      assert.equal(await page.count("[data-page-size], tbody tr[hidden]"), 0);
       assert.deepEqual(await visibleRows(page), count === 0 ? [] : [[1, count]]);
     });
   });
@@ -188,8 +189,8 @@ for (const [what, text, replacement] of [
   test(`a table ${what} keeps all its rows visible`, async () => {
     await withPage(pageWith(passedPage(101), text, replacement), {}, async (page) => {
       assert.deepEqual(await visibleRows(page), [[1, 101]]);
-      assert.equal(await page.locator("tr[hidden]").count(), 0);
-      assert.equal(await page.locator(".dt-pager-status").textContent(), "");
+      assert.equal(await page.count("tr[hidden]"), 0);
+      assert.equal(await page.text(".dt-pager-status"), "");
     });
   });
 }
@@ -199,7 +200,7 @@ test("a table with nothing behind its wrapper keeps all its rows visible", async
   const start = "</tbody>\n</table></div>\n<div class=\"dt-pager\">";
   const nested = pageWith(passedPage(101), start, `</tbody>\n</table></div></div>\n<div>${PAGER}`);
   await withPage(pageWith(nested, html, `</div>${html}`), {}, async (page) => {
-    assert.equal(await page.locator(".overflow-x + *").count(), 0);
+    assert.equal(await page.count(".overflow-x + *"), 0);
     assert.deepEqual(await visibleRows(page), [[1, 101]]);
   });
 });
@@ -208,7 +209,7 @@ test("a table that cannot be paged does not keep the next ones from it", async (
   const path = pageOf(suite({ errors: 101, failed: 101, passed: 101 }));
   const title = '<p class="compare-table-title">Failed';
   await withPage(pageWith(path, PAGER_BLOCK + title, title), {}, async (page) => {
-    assert.equal(await page.locator(".dt-pager").count(), 2);
+    assert.equal(await page.count(".dt-pager"), 2);
     assert.deepEqual(await visibleRows(page), [[1, 201], [203, 302]]);
   });
 });
@@ -226,16 +227,16 @@ test("a page without rows in its table: one page, both buttons disabled", async 
 test("the rows of all body sections are paged as one list", async () => {
   const path = pageWith(passedPage(101), "<tr><td>50</td>", "</tbody><tbody><tr><td>50</td>");
   await withPage(path, {}, async (page) => {
-    assert.equal(await page.locator("tbody").count(), 2);
+    assert.equal(await page.count("tbody"), 2);
     assert.deepEqual(await visibleRows(page), [[1, 100]]);
   });
 });
 
 test("three tables page independently", async () => {
   await withPage(pageOf(suite({ errors: 101, failed: 150, passed: 201 })), {}, async (page) => {
-    const status = async () =>
-      Promise.all([0, 1, 2].map(async (index) => (await pagerState(page, index)).status));
-    const next = (index) => page.locator("[data-dt-next]").nth(index).click();
+    const status = () =>
+      page.$$eval(".dt-pager-status", (all) => all.map((element) => element.textContent));
+    const next = (index) => page.click("[data-dt-next]", { index });
     assert.deepEqual(await visibleRows(page), [[1, 100], [102, 201], [252, 351]]);
     assert.deepEqual(await status(), ["Page 1 of 2", "Page 1 of 2", "Page 1 of 3"]);
     await next(2);
@@ -244,7 +245,7 @@ test("three tables page independently", async () => {
     assert.deepEqual(await visibleRows(page), [[101, 201], [452, 452]]);
     assert.deepEqual(await status(), ["Page 2 of 2", "Page 1 of 2", "Page 3 of 3"]);
     await next(1);
-    await page.locator("[data-dt-prev]").nth(2).click();
+    await page.click("[data-dt-prev]", { index: 2 });
     assert.deepEqual(await visibleRows(page), [[101, 101], [202, 251], [352, 451]]);
     assert.deepEqual(await status(), ["Page 2 of 2", "Page 2 of 2", "Page 2 of 3"]);
   });
@@ -252,15 +253,15 @@ test("three tables page independently", async () => {
 
 test("150 failed and 20 passed reports: only the failed ones are paged, numbers run on", async () => {
   await withPage(pageOf(suite({ failed: 150, passed: 20 })), {}, async (page) => {
-    assert.equal(await page.locator(".dt-pager").count(), 1);
+    assert.equal(await page.count(".dt-pager"), 1);
     assert.deepEqual(await visibleRows(page), [[1, 100], [151, 170]]);
   });
 });
 
 test("other files are never paged", async () => {
   await withPage(pageOf(suite({ passed: 1, other: 150 })), {}, async (page) => {
-    assert.equal(await page.locator("#other-files td:visible").count(), 150);
-    assert.equal(await page.locator(".dt-pager").count(), 0);
+    assert.equal(await page.countVisible("#other-files td"), 150);
+    assert.equal(await page.count(".dt-pager"), 0);
   });
 });
 
@@ -270,18 +271,18 @@ function focusOn(page, attribute) {
 
 test("the keyboard reaches both buttons and presses them by Enter and by Space", async () => {
   await withPage(passedPage(201), {}, async (page) => {
-    await page.locator("tbody tr:visible a").last().focus();
-    await page.keyboard.press("Tab");
+    await page.focus("tbody a", 99);
+    await page.press("Tab");
     assert.ok(await focusOn(page, "data-dt-next"), "the disabled button is no stop");
-    await page.keyboard.press("Enter");
+    await page.press("Enter");
     assert.deepEqual(await visibleRows(page), [[101, 200]]);
-    await page.keyboard.press("Shift+Tab");
+    await page.press("Shift+Tab");
     assert.ok(await focusOn(page, "data-dt-prev"));
-    await page.keyboard.press("Space");
+    await page.press("Space");
     assert.deepEqual(await visibleRows(page), [[1, 100]]);
-    await page.locator("[data-dt-next]").focus();
-    await page.keyboard.press("Space");
-    await page.keyboard.press("Enter");
+    await page.focus("[data-dt-next]");
+    await page.press("Space");
+    await page.press("Enter");
     assert.deepEqual(await visibleRows(page), [[201, 201]]);
     assert.deepEqual(await pagerState(page), state("Page 3 of 3", true, false));
   });
@@ -290,33 +291,33 @@ test("the keyboard reaches both buttons and presses them by Enter and by Space",
 test("links in hidden rows are no stop of the keyboard", async () => {
   await withPage(passedPage(101), {}, async (page) => {
     await page.focus("#themeToggle");
-    await page.keyboard.press("Tab");
+    await page.press("Tab");
     const stops = [];
     for (let press = 0; press < 101; press += 1) {
       stops.push(await page.evaluate(() => document.activeElement.textContent));
-      await page.keyboard.press("Tab");
+      await page.press("Tab");
     }
     assert.deepEqual([stops[0], stops[99], stops[100]], ["passed/case-00001", "passed/case-00100", "Next"]);
   });
 });
 
 for (const theme of ["light", "dark"]) {
-  test(`print shows every row and nothing to press: ${theme}`, async () => {
+  test(`print shows every row and nothing to press: ${theme}`, { needs: "print" }, async () => {
     await withPage(pageOf(suite({ failed: 201, passed: 101 })), { colorScheme: theme }, async (page) => {
-      await page.locator("[data-dt-next]").first().click();
+      await page.click("[data-dt-next]");
       assert.deepEqual(await visibleRows(page), [[101, 200], [202, 301]]);
-      await page.emulateMedia({ media: "print" });
+      await page.setMedia({ media: "print" });
       assert.deepEqual(await visibleRows(page), [[1, 302]]);
-      assert.equal(await page.locator(".dt-pager:visible, .theme-toggle:visible").count(), 0);
-      await page.emulateMedia({ media: "screen" });
+      assert.equal(await page.countVisible(".dt-pager, .theme-toggle"), 0);
+      await page.setMedia({ media: "screen" });
       assert.deepEqual(await visibleRows(page), [[101, 200], [202, 301]]);
     });
   });
 }
 
-test("print lets no table scroll and no row break", async () => {
+test("print lets no table scroll and no row break", { needs: "print" }, async () => {
   await withPage(passedPage(101), {}, async (page) => {
-    await page.emulateMedia({ media: "print" });
+    await page.setMedia({ media: "print" });
     const values = await page.$$eval(".overflow-x, tbody tr", (all) => [
       ...new Set(all.map((e) => `${e.tagName} ${getComputedStyle(e).overflowX} ${getComputedStyle(e).breakInside}`)),
     ]);

@@ -2,15 +2,14 @@
 
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { test } from "node:test";
 
-import { useBrowser } from "./support/browser.js";
+import { testOnce, withPage } from "./support/browser.js";
 import { DARK_BLOCK, LIGHT_BLOCK } from "./support/palette.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 import { readRules, selectorsOf, written } from "./support/stylesheet.js";
 
-const withPage = useBrowser();
+const test = testOnce("the stylesheet is read as it is written");
 const plainPage = pageOf(suite({ passed: 1, failed: 1 }));
 const erroredPage = pageOf(suite({ errors: 1 }));
 

@@ -1,18 +1,11 @@
 // The light/dark switch.
 
 import assert from "node:assert/strict";
-import { mkdirSync, writeFileSync } from "node:fs";
-import { join } from "node:path";
-import { test } from "node:test";
-import { pathToFileURL } from "node:url";
 
-import { chromium } from "playwright-core";
-
-import { assertSilent, computed, LAUNCH_OPTIONS, useBrowser, watch } from "./support/browser.js";
-import { newFolder, pageOf } from "./support/program.js";
+import { test, withPage } from "./support/browser.js";
+import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
-const withPage = useBrowser();
 const summary = pageOf(suite({ passed: 2, failed: 1 }));
 
 const KEY = "fathomix-report-theme";
@@ -42,7 +35,7 @@ function seen(page) {
 
 async function assertSeen(page, expected, chosen) {
   assert.deepEqual(await seen(page), expected);
-  assert.equal(await page.getAttribute("html", "data-theme"), chosen);
+  assert.equal(await page.attribute("html", "data-theme"), chosen);
 }
 
 function stored(page) {
@@ -55,26 +48,13 @@ function store(page, value) {
 
 /** Opens the page with a value stored before its scripts run. */
 function withStored(value, options, body, key = KEY) {
-  const script = ([name, text]) => {
-    // The empty page that a window begins with has no store.
-    if (location.protocol === "file:") {
-      localStorage.setItem(name, text);
-    }
-  };
-  return withPage(summary, { ...options, initScripts: [[script, [key, value]]] }, body);
-}
-
-// A browser takes a moment to hand what was stored on to the process of the next page.
-const STORING_MS = 500;
-
-async function reloadWithStore(page) {
-  await page.waitForTimeout(STORING_MS);
-  await page.reload();
+  const script = ([name, text]) => localStorage.setItem(name, text);
+  return withPage(summary, { ...options, scripts: [[script, [key, value]]] }, body);
 }
 
 /** Changes the system's scheme and waits until the page was told. */
 async function changeScheme(page, colorScheme) {
-  await page.emulateMedia({ colorScheme });
+  await page.setMedia({ colorScheme });
   await page.evaluate(
     () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))),
   );
@@ -109,23 +89,23 @@ for (const [colorScheme, label, background] of [
   ["dark", "Switch to dark theme", DARK.background],
 ]) {
   test(`before the script runs the palette follows a ${colorScheme} system`, async () => {
-    await withPage(summary, { colorScheme, javaScriptEnabled: false }, async (page) => {
-      assert.deepEqual(await computed(page, "body", ["background-color"]), {
+    await withPage(summary, { colorScheme, scripting: false }, async (page) => {
+      assert.deepEqual(await page.computed("body", ["background-color"]), {
         "background-color": background,
       });
-      assert.equal(await page.getAttribute("#themeToggle", "aria-label"), label);
-      assert.equal(await page.getAttribute("html", "data-theme"), null);
+      assert.equal(await page.attribute("#themeToggle", "aria-label"), label);
+      assert.equal(await page.attribute("html", "data-theme"), null);
       await page.click("#themeToggle");
-      assert.equal(await page.getAttribute("html", "data-theme"), null);
+      assert.equal(await page.attribute("html", "data-theme"), null);
     });
   });
 }
 
 test("without scripts every row of a long table is visible and the idle pager is not", async () => {
   const long = pageOf(suite({ passed: 101 }));
-  await withPage(long, { javaScriptEnabled: false }, async (page) => {
-    assert.equal(await page.locator("tbody tr:visible").count(), 101);
-    assert.equal(await page.isVisible(".dt-pager"), false);
+  await withPage(long, { scripting: false }, async (page) => {
+    assert.equal(await page.countVisible("tbody tr"), 101);
+    assert.equal(await page.countVisible(".dt-pager"), 0);
   });
 });
 
@@ -141,10 +121,10 @@ for (const [colorScheme, first, second] of [
         assert.equal(await stored(page), theme);
         assert.equal(await page.evaluate(() => localStorage.length), 1);
       }
-      await reloadWithStore(page);
+      await page.reload();
       await assertSeen(page, first[1], first[0]);
       await page.click("#themeToggle");
-      await reloadWithStore(page);
+      await page.reload();
       await assertSeen(page, second[1], second[0]);
     });
   });
@@ -153,8 +133,7 @@ for (const [colorScheme, first, second] of [
 test("the choice holds on another summary page, too", async () => {
   await withPage(summary, {}, async (page) => {
     await page.click("#themeToggle");
-    await page.waitForTimeout(STORING_MS);
-    await page.goto(pathToFileURL(pageOf(suite({ passed: 1 }))).href);
+    await page.open(pageOf(suite({ passed: 1 })));
     await assertSeen(page, DARK, "dark");
   });
 });
@@ -263,7 +242,7 @@ test("a store that cannot be had at all counts as empty and the button switches 
         throw new Error("refused");
       },
     });
-  await withPage(summary, { initScripts: [[script]] }, assertSwitchesWithoutStore);
+  await withPage(summary, { scripts: [[script]] }, assertSwitchesWithoutStore);
 });
 
 test("a store whose reads and writes throw counts as empty and the button switches the page", async () => {
@@ -273,7 +252,7 @@ test("a store whose reads and writes throw counts as empty and the button switch
     };
     Object.defineProperty(window, "localStorage", { value: { getItem: refuse, setItem: refuse } });
   };
-  await withPage(summary, { initScripts: [[script]] }, assertSwitchesWithoutStore);
+  await withPage(summary, { scripts: [[script]] }, assertSwitchesWithoutStore);
 });
 
 test("a store that is full is read, and the button switches the page", async () => {
@@ -287,7 +266,7 @@ test("a store that is full is read, and the button switches the page", async () 
       },
     });
   };
-  await withPage(summary, { initScripts: [[script]] }, async (page) => {
+  await withPage(summary, { scripts: [[script]] }, async (page) => {
     await assertSeen(page, DARK, "dark");
     await page.click("#themeToggle");
     await assertSeen(page, LIGHT, "light");
@@ -295,55 +274,39 @@ test("a store that is full is read, and the button switches the page", async () 
 });
 
 test("a browser set to block all storage shows and switches the page", async () => {
-  const profile = newFolder();
-  mkdirSync(join(profile, "Default"));
-  writeFileSync(
-    join(profile, "Default", "Preferences"),
-    JSON.stringify({ profile: { default_content_setting_values: { cookies: 2 } } }),
-  );
-  const context = await chromium.launchPersistentContext(profile, {
-    ...LAUNCH_OPTIONS,
-    colorScheme: "light",
-  });
-  try {
-    const events = watch(context);
-    const page = await context.newPage();
-    await page.goto(pathToFileURL(summary).href);
-    const error = await page.evaluate(() => {
+  await withPage(summary, { storage: false }, async (page) => {
+    const isBlocked = await page.evaluate(() => {
       try {
-        return String(window.localStorage);
+        return !window.localStorage;
       } catch (refusal) {
-        return refusal.name;
+        return refusal.name === "SecurityError";
       }
     });
-    assert.equal(error, "SecurityError");
+    assert.ok(isBlocked);
     await assertSwitchesWithoutStore(page);
-    assertSilent(events);
-  } finally {
-    await context.close();
-  }
+  });
 });
 
 test("a browser without matchMedia shows the light button and switches the page", async () => {
   const script = () => {
     window.matchMedia = undefined;
   };
-  await withPage(summary, { initScripts: [[script]] }, async (page) => {
+  await withPage(summary, { scripts: [[script]] }, async (page) => {
     await assertSeen(page, LIGHT, null);
     await page.click("#themeToggle");
     await assertSeen(page, DARK, "dark");
-    await reloadWithStore(page);
+    await page.reload();
     await assertSeen(page, DARK, "dark");
   });
 });
 
 test("the button is the first stop of the keyboard and works by Enter and by Space", async () => {
   await withPage(summary, {}, async (page) => {
-    await page.keyboard.press("Tab");
+    await page.press("Tab");
     assert.equal(await page.evaluate(() => document.activeElement.id), "themeToggle");
-    await page.keyboard.press("Enter");
+    await page.press("Enter");
     await assertSeen(page, DARK, "dark");
-    await page.keyboard.press("Space");
+    await page.press("Space");
     await assertSeen(page, LIGHT, "light");
   });
 });
@@ -351,7 +314,7 @@ test("the button is the first stop of the keyboard and works by Enter and by Spa
 test("the scripts leave no global behind", async () => {
   const globals = (page) => page.evaluate(() => Object.getOwnPropertyNames(window).sort());
   let without;
-  await withPage(summary, { javaScriptEnabled: false }, async (page) => {
+  await withPage(summary, { scripting: false }, async (page) => {
     without = await globals(page);
   });
   await withPage(summary, {}, async (page) => {

@@ -2,14 +2,16 @@
 
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { test } from "node:test";
 
 import { HtmlValidate, StaticConfigLoader } from "html-validate";
 
+import { testOnce } from "./support/browser.js";
 import { HOSTILE, treeOf } from "./support/hostile.js";
 import { FOR_HOSTILE_NAMES, HTML_VALIDATE_CONFIG } from "./support/html_validate_rules.js";
 import { pageOf, pageWith } from "./support/program.js";
 import { suite } from "./support/reports.js";
+
+const test = testOnce("html-validate reads the file");
 
 async function problems(path, rules) {
   const config = { ...HTML_VALIDATE_CONFIG, rules };

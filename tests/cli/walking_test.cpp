@@ -85,14 +85,6 @@ TEST_F(Walking, ALinkToAReportIsListedUnderItsOwnNameAndADanglingOneIsSkipped)
     EXPECT_EQ(files_in(temp.read("s.json")).at(0).outcome, "FAIL") << "of the file it leads to";
 }
 
-TEST_F(Walking, ALinkToAFolderIsWalkedInto)
-{
-    temp.write("elsewhere/r.html", passed_report());
-    temp.link("../elsewhere", "in/link");
-    temp.link("../elsewhere", "in/link.html");
-    EXPECT_EQ(listed(), (Names{"link.html/r.html", "link/r.html"}));
-}
-
 // The system follows 40 links in one path, so the report is met 41 times.
 TEST_F(Walking, ALinkToItsOwnFolderListsEachReportFortyOneTimes)
 {
@@ -181,14 +173,6 @@ TEST_F(Walking, ASubFolderWithoutReadPermissionIsSkipped)
     EXPECT_EQ(listed_by_ordinary_user(), Names{"a.html"});
 }
 
-TEST_F(Walking, AFolderThatMayBeSearchedAndReadButNotWrittenIsListed)
-{
-    temp.write("in/sub/b.html", passed_report());
-    temp.chmod("in/sub", 0555);
-    temp.chmod("in", 0555);
-    EXPECT_EQ(listed_by_ordinary_user(), Names{"sub/b.html"});
-}
-
 TEST_F(Walking, FilesAndFoldersNamedWithEveryByteAreRead)
 {
     unsigned count = 0;
@@ -202,11 +186,4 @@ TEST_F(Walking, FilesAndFoldersNamedWithEveryByteAreRead)
     }
     expect_run(run_in(temp, {"--input", "in", "-o", "s.html"}), 1,
                wrote("s.html", {.passed = count, .failed = count}), "");
-}
-
-TEST_F(Walking, ANameOf255BytesIsListed)
-{
-    const std::string name = std::string(250, 'n') + ".html";
-    temp.write("in/" + name, passed_report());
-    EXPECT_EQ(listed(), Names{name});
 }

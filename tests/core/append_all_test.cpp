@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "core/append_all.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 

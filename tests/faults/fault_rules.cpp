@@ -35,7 +35,6 @@ constexpr Rule RULES[] = {
     {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},
 
     // Reading.
-    {Call::Format, Answer::Refuse, Phase::Reading, Effect::FormsNoPath},
     {Call::Open, Answer::Refuse, Phase::Reading, Effect::Unreadable},
     {Call::Open, Answer::WouldBlock, Phase::Reading, Effect::AsksAgain},
     {Call::Lseek, Answer::Refuse, Phase::Reading, Effect::Unreadable},

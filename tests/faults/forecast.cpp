@@ -140,8 +140,7 @@ std::vector<ReportEntry> entries_of(const World& world, const Listings& listings
     for (const std::string& path : list_files(world, listings, faults)) {
         const auto file = world.files.find(path);
         ReportEntry entry = file->second;
-        if (faults.has(Effect::Unreadable, full_path(path)) ||
-            faults.has(Effect::FormsNoPath, std::to_string(entries.size()))) {
+        if (faults.has(Effect::Unreadable, full_path(path))) {
             entry = {};
             entry.kind = ReportKind::Unreadable;
         }

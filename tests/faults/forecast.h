@@ -41,7 +41,6 @@ enum class Effect
     MistakesEntry, // the same under this name
     Unreadable,    // the file becomes an unreadable one
     AsksAgain,     // the same when it happens twice to one file
-    FormsNoPath,   // the same for the file whose turn it is
     BareLinks,     // the page's links are the bare paths
     NoTime,        // the page tells no time
     OldestTime,    // the page tells the second before 1970

@@ -82,7 +82,7 @@ struct CallRecord
     Call call;
     Phase phase;
     Answer answer;         // Refuse in the record of a call that did not fail
-    std::string subject;   // path that the call is about, Format: such calls so far; else empty
+    std::string subject;   // path that the call is about; empty where there is none
     std::uint64_t number;  // Readdir: entries of this folder so far; Write: bytes of this
                            // file so far; else 0
     std::string_view name; // what the linker calls the call

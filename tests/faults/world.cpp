@@ -1,10 +1,7 @@
 #include "faults/world.h"
 
-#include <cstdlib>
-#include <ostream>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <array>
+#include <utility>
 
 #include "cli/sample_reports.h"
 #include "report/read_analyze_report.h"
@@ -22,72 +19,21 @@ std::string numbered(const std::string& stem, int number)
     return stem + std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits + ".html";
 }
 
-std::string tab(const std::string& name, const std::string& marks)
+std::string errored()
 {
-    return "<a href=\"#check\"" + marks + ">" + name + "</a>\n";
-}
-
-std::string passed(int number)
-{
-    std::string text = passed_report() +
-                       "<div class=\"k\">Analysis Mode</div>\n<div class=\"v\">Mode " +
-                       std::to_string(number % 3) + "</div>\n";
-    if (number % 4 == 0) {
-        text += "<div class=\"kpi-sub\">Variant &lt;" + std::to_string(number) + "&gt;</div>\n";
-    }
-    const bool has_non_gating = number % 5 == 0;
-    return text + "<nav class=\"nav-tabs\">\n" + tab("Level", "") +
-           (has_non_gating ? tab("Hum &amp; noise", " data-fail data-nongating") : "") + "</nav>\n";
-}
-
-std::string failed(int number)
-{
-    const bool has_non_gating = number % 2 == 0;
-    return failed_report() + "<nav class=\"nav-tabs\">\n" +
-           tab("Noise " + std::to_string(number), " data-fail") + tab("Phase", " data-fail") +
-           (has_non_gating ? tab("Dither", " data-fail data-nongating") : "") + "</nav>\n";
-}
-
-std::string errored(int number)
-{
-    return errored_report(number % 3 == 0 ? ""
-                                          : "cannot open \"take " + std::to_string(number) +
-                                                "\" &amp; &lt;stop&gt;");
-}
-
-// Each of the many tests makes a tree, each of its many runs two files.
-fs::path quick_parent()
-{
-    constexpr char IN_MEMORY[] = "/dev/shm";
-    return access(IN_MEMORY, W_OK | X_OK) == 0 ? fs::path(IN_MEMORY) : fs::temp_directory_path();
+    return errored_report("cannot open \"take 1\" &amp; &lt;stop&gt;");
 }
 
 } // namespace
 
 const char* name_of(Scene scene)
 {
-    switch (scene) {
-    case Scene::NoOlderPage:
-        return "NoOlderPage";
-    case Scene::OlderPage:
-        return "OlderPage";
-    case Scene::MissingFolders:
-        return "MissingFolders";
-    case Scene::AllPassed:
-        return "AllPassed";
-    case Scene::NoJson:
-        return "NoJson";
-    default:
-        return "ManyReports";
-    }
+    static constexpr std::array<const char*, 6> NAMES = {
+        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed", "NoJson", "ManyReports"};
+    return NAMES[static_cast<std::size_t>(scene)];
 }
 
-void PrintTo(Scene scene, std::ostream* output)
-{
-    *output << name_of(scene);
-}
-
-World::World(Scene scene) : temp_(quick_parent()), before_(fs::current_path())
+World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path())
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
@@ -139,7 +85,7 @@ void World::add_link(const std::string& target, const std::string& path)
 void World::add_few()
 {
     for (int i = 0; i < 12; ++i) {
-        add(numbered(i < 6 ? "passed" : "album/passed", i), passed(i));
+        add(numbered(i < 6 ? "passed" : "album/passed", i), passed_report());
     }
     add("notes.html", "");
 }
@@ -147,7 +93,7 @@ void World::add_few()
 void World::add_many()
 {
     for (int i = 0; i < 2200; ++i) {
-        add(numbered("many/", i), passed(i));
+        add(numbered("many/", i), passed_report());
     }
 }
 
@@ -155,11 +101,15 @@ void World::add_many()
 void World::add_tree()
 {
     for (int i = 0; i < 104; ++i) {
-        add(numbered(i < 60 ? "passed" : i < 90 ? "album/passed" : "album/disc 1/p", i), passed(i));
+        add(numbered(i < 60   ? "passed"
+                     : i < 90 ? "album/passed"
+                              : "album/disc 1/p",
+                     i),
+            passed_report());
     }
     for (int i = 0; i < 12; ++i) {
-        add(numbered(i < 6 ? "failed" : "a/b/c/failed", i), failed(i));
-        add(numbered(i < 6 ? "errored" : ".hidden/errored", i), errored(i));
+        add(numbered(i < 6 ? "failed" : "a/b/c/failed", i), std::string(FULL_FAILED_REPORT));
+        add(numbered(i < 6 ? "errored" : ".hidden/errored", i), errored());
     }
     for (int i = 0; i < 6; ++i) {
         add(numbered(i < 3 ? "notes" : "a/notes", i), "");
@@ -168,7 +118,7 @@ void World::add_tree()
 
 void World::add_oddities()
 {
-    add("say \"x\" & 'y'.html", failed(1));
+    add("say \"x\" & 'y'.html", std::string(FULL_FAILED_REPORT));
     temp_.write("in/a/b/plain.txt", "not listed");
     temp_.make_folder("in/empty");
     temp_.link("nowhere.html", "in/dangling.html");

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <filesystem>
-#include <iosfwd>
 #include <map>
 #include <optional>
 #include <set>
@@ -29,9 +28,6 @@ enum class Scene
 inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage, Scene::OlderPage,
                                          Scene::MissingFolders, Scene::AllPassed, Scene::NoJson};
 const char* name_of(Scene scene);
-
-// How GoogleTest shows a scene; else it prints the bytes.
-void PrintTo(Scene scene, std::ostream* output);
 
 inline constexpr char INPUT[] = "in";
 

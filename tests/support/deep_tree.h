@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -77,4 +78,17 @@ inline std::string repeated(std::string_view text, int times)
         all += text;
     }
     return all;
+}
+
+// A folder below top whose path has exactly length characters, made with those between.
+inline std::string make_folder_of_length(const std::string& top, std::size_t length)
+{
+    std::string path = top;
+    while (path.size() < length) {
+        const std::size_t room = length - path.size() - 1;
+        const std::size_t name = room <= 200 ? room : std::min<std::size_t>(200, room - 2);
+        path += "/" + std::string(name, 'd');
+    }
+    std::filesystem::create_directories(path);
+    return path;
 }

@@ -1,98 +1,155 @@
-// Pages in Debian's Chromium. Every page that a test opens must stay silent: no
-// error, no message on the console, nothing asked from a network.
+// Tests of pages, written once for three browsers. FTHSUMMARY_BROWSER names the one that
+// runs them: chromium (if it is not set), firefox or webkit. Every page that a test opens
+// must stay silent: no error, no message on the console, nothing asked from a network.
 
 import assert from "node:assert/strict";
-import { after, before } from "node:test";
-import { pathToFileURL } from "node:url";
+import { createServer } from "node:net";
+import { dirname, join } from "node:path";
+import { after, test as plainTest } from "node:test";
 
-import { chromium } from "playwright-core";
+import { Page } from "./page.js";
+import { pageWith } from "./program.js";
 
-export const LAUNCH_OPTIONS = {
-  executablePath: "/usr/bin/chromium",
-  args: [
-    "--no-sandbox",
-    "--disable-gpu",
-    "--disable-quic",
-    "--no-first-run",
-    "--disable-background-networking",
-    "--disable-component-update",
-    "--disable-sync",
-  ],
-};
+export const BROWSER = process.env.FTHSUMMARY_BROWSER ?? "chromium";
+const NAMES = ["chromium", "firefox", "webkit"];
+assert.ok(NAMES.includes(BROWSER), `FTHSUMMARY_BROWSER must be one of ${NAMES.join(", ")}`);
+const { CANNOT, LISTENER, launch } = await import(`./${BROWSER}.js`);
 
-const PATIENCE_MS = 30_000;
+// For what a loaded machine may take long to do; nothing is judged by it.
+const PATIENCE_MS = 60_000;
+const ATTEMPTS_TO_START = 3;
 
-/** What a page must not do; fill it before the page opens anything. */
-export function watch(context) {
-  const seen = { errors: [], requests: [] };
-  context.on("weberror", (event) => seen.errors.push(String(event.error())));
-  context.on("console", (message) => seen.errors.push(message.text()));
-  context.on("dialog", (dialog) => {
-    seen.errors.push(`dialog: ${dialog.message()}`);
-    dialog.dismiss();
+/** What the browser asked a network for. It has questions of its own, which no page makes it ask. */
+export const asked = [];
+const BROWSERS_OWN =
+  /^\w+ (https?:\/\/)?[a-z0-9.-]+\.(google|googleapis|gvt1|mozilla|firefox)\.(com|net|org)[:/]/;
+
+function startProxy() {
+  const proxy = createServer((socket) => {
+    socket.on("error", () => undefined);
+    // A request's first line tells whose it is; its body may come later.
+    socket.once("data", (data) => {
+      const [line] = data.toString("latin1").split("\r\n");
+      if (!BROWSERS_OWN.test(line)) {
+        asked.push(line);
+      }
+      socket.end("HTTP/1.1 502 Bad Gateway\r\nContent-Length: 0\r\n\r\n");
+    });
   });
-  context.on("request", (request) => seen.requests.push(request.url()));
-  return seen;
+  proxy.unref();
+  return new Promise((done) => {
+    proxy.listen(0, "127.0.0.1", () => done(`http://127.0.0.1:${proxy.address().port}`));
+  });
 }
+
+async function startBrowser() {
+  const proxy = await startProxy();
+  for (let attempt = 1; ; attempt += 1) {
+    try {
+      return await launch({ proxy, patience: PATIENCE_MS });
+    } catch (error) {
+      if (attempt === ATTEMPTS_TO_START) {
+        throw error;
+      }
+    }
+  }
+}
+
+// One browser for all tests of a process.
+let started;
+after(async () => {
+  await (await started)?.close();
+});
 
 export function assertSilent(seen) {
   assert.deepEqual(seen.errors, []);
-  assert.deepEqual(seen.requests.filter((url) => !url.startsWith("file:///")), []);
+  assert.deepEqual(seen.requests.filter((url) => !/^(file:\/\/\/|http:\/\/127\.0\.0\.1:)/.test(url)), []);
+  assert.deepEqual(asked, []);
+}
+
+/**
+ * The page with scripts that run before its own, each [function, parameter]: the file
+ * itself if there are none, else a copy beside it, from where its links lead as far.
+ */
+function withScripts(path, scripts) {
+  if (!path.startsWith("/") || scripts.length === 0) {
+    return path;
+  }
+  const text = scripts
+    .map(([run, parameter]) => `<script>(${run})(${JSON.stringify(parameter) ?? ""})</script>`)
+    .join("");
+  return pageWith(path, "<head>\n", `<head>\n${text}`, join(dirname(path), "with-scripts.html"));
 }
 
 const DEFAULTS = {
   colorScheme: "light",
   reducedMotion: "no-preference",
+  scripting: true,
+  storage: true,
   width: 1280,
   height: 900,
-  initScripts: [],
+  scripts: [],
+  until: "load",
 };
 
 /**
- * Opens the file, hands it to the body and checks that it stayed silent. The init scripts,
- * each [function, argument], run before those of the page.
+ * Opens a file or a URL, hands its page to the body and checks that it stayed silent.
+ * Options beside the window's width and height: colorScheme, reducedMotion, scripting
+ * and storage (false switches it off), scripts that run before those of the page, each
+ * [function, parameter], and until, the event to wait for: "load" or "start", at which
+ * the page is still coming.
  */
-async function withPage(browser, path, options, body) {
-  const { width, height, initScripts, ...rest } = { ...DEFAULTS, ...options };
-  const context = await browser.newContext({ ...rest, viewport: { width, height } });
+export async function withPage(target, options, body) {
+  const { scripts, ...rest } = { ...DEFAULTS, ...options };
+  started ??= startBrowser();
+  const browser = await started;
+  const seen = { errors: [], requests: [] };
+  const tab = await browser.newTab(rest, seen);
   try {
-    context.setDefaultTimeout(PATIENCE_MS);
-    const seen = watch(context);
-    for (const [script, argument] of initScripts) {
-      await context.addInitScript(script, argument);
-    }
-    const page = await context.newPage();
-    await page.goto(pathToFileURL(path).href);
-    await body(page, { context, seen });
+    const page = new Page(tab, seen, PATIENCE_MS);
+    const heard = LISTENER ? [[LISTENER], ...scripts] : scripts;
+    await page.open(withScripts(target, heard), { until: rest.until });
+    await body(page);
+    await tab.collect?.();
     assertSilent(seen);
   } finally {
-    await context.close();
+    asked.length = 0;
+    await tab.close();
   }
 }
 
-/** Keeps one browser open while the tests of a file run; returns the way to open pages. */
-export function useBrowser(extraOptions = {}) {
-  let browser;
-  before(async () => {
-    browser = await chromium.launch({ ...LAUNCH_OPTIONS, ...extraOptions });
-  });
-  after(async () => {
-    await browser?.close();
-  });
-  return (path, options, body) => withPage(browser, path, options, body);
+// What this browser did not run, and why: said in one line each when the tests have ended.
+const left = new Map();
+process.on("exit", () => {
+  left.forEach((count, why) => console.log(`# ${BROWSER} did not run ${count} tests: ${why}`));
+});
+
+function leave(why) {
+  left.set(why, (left.get(why) ?? 0) + 1);
 }
 
-/** Computed values of an element, or of its pseudo-element, by property name. */
-export function computed(page, selector, properties, pseudo = null) {
-  return page.evaluate(
-    ([wanted, names, part]) => {
-      const element = document.querySelector(wanted);
-      if (!element) {
-        throw new Error(`nothing matches ${wanted}`);
-      }
-      const style = getComputedStyle(element, part);
-      return Object.fromEntries(names.map((name) => [name, style.getPropertyValue(name)]));
-    },
-    [selector, properties, pseudo],
-  );
+/**
+ * A test that runs in every browser that can do what it needs, for example
+ * { needs: "print" }; the lists of what they cannot are in their files.
+ */
+export function test(name, ...rest) {
+  const body = rest.pop();
+  const needs = [rest[0]?.needs ?? []].flat();
+  const missing = needs.find((feature) => feature in CANNOT);
+  if (missing) {
+    leave(CANNOT[missing]);
+  } else {
+    plainTest(name, body);
+  }
+}
+
+/** Gives a test() for what is the same in every browser, so that one is enough. */
+export function testOnce(why) {
+  return (name, body) => {
+    if (BROWSER === NAMES[0]) {
+      plainTest(name, body);
+    } else {
+      leave(`${why}, so ${NAMES[0]} alone runs them`);
+    }
+  };
 }

@@ -50,10 +50,9 @@ export function pageOf(files) {
 }
 
 /** Writes a copy of the page in which one text is replaced, which must be there. */
-export function pageWith(page, text, replacement) {
+export function pageWith(page, text, replacement, copy = join(newFolder(), "summary.html")) {
   const html = readFileSync(page, "utf8");
   assert.ok(html.includes(text), `the page holds ${text}`);
-  const copy = join(newFolder(), "summary.html");
   writeFileSync(copy, html.replaceAll(text, () => replacement));
   return copy;
 }

@@ -10,7 +10,7 @@ import { pathToFileURL } from "node:url";
 
 import { chromium } from "playwright-core";
 
-import { LAUNCH_OPTIONS } from "./browser.js";
+import { LAUNCH_OPTIONS } from "./chromium.js";
 
 const WIDTH = 1280;
 const MARGIN = 22;
