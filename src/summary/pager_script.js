@@ -3,9 +3,16 @@
 (function () {
   "use strict";
 
+  // By hand: older browsers have no Element.closest.
+  function enclosingLink(node) {
+    while (node && !(node.nodeName.toLowerCase() === "a" && node.hasAttribute("href"))) {
+      node = node.parentNode;
+    }
+    return node;
+  }
+
   function stopScriptLink(event) {
-    var target = event.target;
-    var link = target.closest && target.closest("a[href]");
+    var link = enclosingLink(event.target);
     if (link && link.protocol === "javascript:") {
       event.preventDefault();
     }
@@ -20,11 +27,28 @@
   "use strict";
 
   var DEFAULT_PAGE_SIZE = 100;
+  var TEXT_NODE = 3;
+
+  function hasClass(element, name) {
+    return element.classList.contains(name);
+  }
 
   function findPager(table) {
-    var wrapper = table.closest(".overflow-x");
+    var wrapper = table.parentElement;
+    while (wrapper && !hasClass(wrapper, "overflow-x")) {
+      wrapper = wrapper.parentElement;
+    }
     var next = wrapper && wrapper.nextElementSibling;
-    return next && next.classList.contains("dt-pager") ? next : null;
+    return next && hasClass(next, "dt-pager") ? next : null;
+  }
+
+  // The line breaks between the rows are nodes, too. Without them a browser has half as
+  // many to visit at each press.
+  function removeGap(row) {
+    var gap = row.nextSibling;
+    if (gap && gap.nodeType === TEXT_NODE) {
+      row.parentNode.removeChild(gap);
+    }
   }
 
   function pageTable(table) {
@@ -69,9 +93,15 @@
       }
     });
 
+    Array.prototype.forEach.call(rows, removeGap);
     setHidden(0, rows.length, true);
     showPage(0);
   }
 
-  Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), pageTable);
+  // The rows wait for this mark. It is set whatever becomes of the paging.
+  try {
+    Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), pageTable);
+  } finally {
+    document.documentElement.setAttribute("data-paged", "");
+  }
 })();

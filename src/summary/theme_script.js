@@ -68,6 +68,15 @@
     }
   }
 
+  // Older browsers know the other name alone, and stand-ins of matchMedia neither.
+  function followSystem(query) {
+    if (query.addEventListener) {
+      query.addEventListener("change", onSystemChange);
+    } else if (query.addListener) {
+      query.addListener(onSystemChange);
+    }
+  }
+
   var stored = storedTheme();
   if (isTheme(stored)) {
     root.setAttribute("data-theme", stored);
@@ -76,6 +85,6 @@
 
   button.addEventListener("click", switchTheme);
   if (window.matchMedia) {
-    window.matchMedia(DARK_SCHEME).addEventListener("change", onSystemChange);
+    followSystem(window.matchMedia(DARK_SCHEME));
   }
 })();

@@ -58,8 +58,8 @@ function makeSandbox(folder) {
 function runBlock({ tree, root, env }, { marker = "", text }) {
   const status = Number(marker.match(/^status: (\d+)$/)?.[1] ?? 0);
   const replacement = marker.match(/^run as: (.*)$/)?.[1];
-  // The one path that is not below the sandbox by itself.
-  const script = (replacement ?? text).replaceAll("/usr/share/doc", `${root}/usr/share/doc`);
+  // The paths that are not below the sandbox by themselves.
+  const script = (replacement ?? text).replace(/\/usr\/share\/(?=doc|fthsummary)/g, `${root}$&`);
   const result = run("sh", ["-eu", "-c", script], { cwd: tree, env, status });
   const page = script.match(/ -o (\S+)\.html --json/)?.[1];
   if (page) {

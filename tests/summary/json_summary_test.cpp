@@ -265,12 +265,3 @@ TEST(JsonSummary, UsesNothingOfAnOtherFileButItsPathAndKind)
     entry.non_gating_check_count = 0xAAAAAAAAAAAAAAAA;
     EXPECT_EQ(json_of({entry}), json_of({unrelated_file("a.html")}));
 }
-
-TEST(JsonSummary, ReplacesALongerFileOfThatName)
-{
-    const TempFolder folder;
-    folder.write("s.json", std::string(100000, 'o'));
-    ASSERT_TRUE(write_json_summary(folder.path("s.json").c_str(), model_of({})));
-    EXPECT_EQ(folder.read("s.json"), json_of(std::vector<ReportEntry>()));
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"s.json"});
-}

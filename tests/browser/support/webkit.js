@@ -2,13 +2,14 @@
 // display of its own. The desktop's settings daemon of that display tells it the colour
 // scheme. A session keeps one window; what a page stored is cleared after each.
 
-import { spawn } from "node:child_process";
+import { execFile, spawn } from "node:child_process";
 import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { createServer } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { setTimeout as pause } from "node:timers/promises";
 import { pathToFileURL } from "node:url";
+import { promisify } from "node:util";
 
 export const CANNOT = {
   print: "its driver can neither print nor show a page as printed",
@@ -63,6 +64,8 @@ function startDisplay(children) {
   });
 }
 
+const runCommand = promisify(execFile);
+
 class Session {
   /** Starts a driver and its browser with these arguments. */
   static async start(environment, { proxy, patience }, browserArguments, pageLoadStrategy) {
@@ -73,6 +76,7 @@ class Session {
     });
     const session = new Session();
     session.driver = driver;
+    session.environment = environment;
     session.base = `http://127.0.0.1:${port}`;
     const end = Date.now() + patience;
     while (!(await session.send("GET", "/status").catch(() => null))?.ready) {
@@ -120,6 +124,24 @@ class Session {
     const handles = await this.send("GET", "/window/handles");
     this.windows = handles.length;
     await this.send("POST", "/window", { handle: handles.find((handle) => handle !== first) });
+  }
+
+  /** Gives the window the keyboard: there is no window manager that would. */
+  async takeFocus(patience) {
+    const run = async (...words) => (await runCommand("xdotool", words, { env: this.environment })).stdout;
+    const end = Date.now() + patience;
+    while (!(await this.evaluate("document.hasFocus()"))) {
+      if (Date.now() > end) {
+        throw new Error("MiniBrowser does not take the keyboard");
+      }
+      const windows = await run("search", "--onlyvisible", "--class", "MiniBrowser");
+      for (const window of windows.trim().split("\n")) {
+        await run("windowfocus", "--sync", window);
+        if (await this.evaluate("document.hasFocus()")) {
+          return;
+        }
+      }
+    }
   }
 
   async evaluate(expression) {
@@ -322,6 +344,7 @@ export async function launch({ proxy, patience }) {
       ];
       const session = await sessionFor(browserArguments, until === "load" ? "normal" : "none");
       const tab = new Tab(session, settings, home, seen);
+      await session.takeFocus(patience);
       await tab.resize({ width, height });
       await tab.setMedia({ colorScheme, reducedMotion });
       return tab;

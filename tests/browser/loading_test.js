@@ -1,0 +1,302 @@
+// What a reader sees of long tables while their page still comes, and when its scripts
+// never run. Rows wait for the script that pages them, but never for good.
+
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { createServer } from "node:http";
+import { after } from "node:test";
+
+import { test, withPage } from "./support/browser.js";
+import { pageOf, pageWith } from "./support/program.js";
+import { suite } from "./support/reports.js";
+
+const ROWS = 3000;
+const longPage = pageOf(suite({ passed: ROWS }));
+const threeTables = pageOf(suite({ errors: 101, failed: 102, passed: 103 }));
+
+const WAIT_MS = 30_000;
+const NOTE = "The rows appear when the page has loaded, within 30 seconds.";
+
+/** Serves the page up to the middle of its rows; the rest when finish() is called. */
+async function serveHalf(path) {
+  const html = readFileSync(path);
+  const middle = html.indexOf("<tr><td>", html.length / 2);
+  let finish;
+  const finished = new Promise((done) => {
+    finish = done;
+  });
+  const server = createServer(async (request, response) => {
+    if (request.url !== "/summary.html") {
+      response.writeHead(204).end();
+      return;
+    }
+    response.writeHead(200, { "Content-Type": "text/html; charset=utf-8" });
+    response.write(html.subarray(0, middle));
+    await finished;
+    response.end(html.subarray(middle));
+  });
+  await new Promise((done) => {
+    server.listen(0, "127.0.0.1", done);
+  });
+  after(() => {
+    finish();
+    server.closeAllConnections();
+    server.close();
+  });
+  return { url: `http://127.0.0.1:${server.address().port}/summary.html`, finish };
+}
+
+/** Opens the first half of the long page, which the body looks at and then finishes. */
+async function withHalfPage(options, body, path = longPage) {
+  const { url, finish } = await serveHalf(path);
+  await withPage(url, { ...options, until: "start" }, async (page) => {
+    await page.until(() => document.querySelectorAll("tbody tr").length > 1000);
+    await body(page, async () => {
+      finish();
+      await page.until(() => document.readyState === "complete");
+    });
+    finish();
+  });
+}
+
+/** What stands in place of the rows and in the pager's status, as it is displayed. */
+function seen(page, index = 0) {
+  return page.$eval(
+    "table[data-page-size]",
+    (table) => {
+      const note = getComputedStyle(table, "::after");
+      const status = table.parentNode.nextElementSibling?.querySelector(".dt-pager-status") ?? null;
+      const made = status && getComputedStyle(status, "::before").content;
+      return {
+        rows: [...table.querySelectorAll("tbody tr")].filter((e) => e.getClientRects().length > 0).length,
+        note: note.display === "none" ? "" : JSON.parse(note.content),
+        status: status && (status.textContent || JSON.parse(made)),
+      };
+    },
+    index,
+  );
+}
+
+const WAITING = { rows: 0, note: NOTE, status: "Next shows all" };
+const HALF = { ...WAITING, status: null };
+const ALL = { rows: ROWS, note: "", status: "All rows" };
+const PAGED = { rows: 100, note: "", status: "Page 1 of 30" };
+
+test("while a page comes, its rows wait and it says so; then they are paged", async () => {
+  await withHalfPage({}, async (page, finish) => {
+    assert.equal(await page.attribute("html", "data-paged"), null);
+    assert.deepEqual(await seen(page), HALF);
+    const note = await page.computed("table[data-page-size]", ["display", "caption-side", "color"], "::after");
+    assert.deepEqual(note, { display: "table-caption", "caption-side": "bottom", color: "rgb(139, 150, 161)" });
+    await finish();
+    assert.equal(await page.attribute("html", "data-paged"), "");
+    assert.deepEqual(await seen(page), PAGED);
+  });
+});
+
+test("what a reader sees first stands at once and stays where it is when the rows come", async () => {
+  const first = ".topbar, .topbar *, .signal-row, .signal-row *, .kpi, .kpi *, .card-head, .htext, p, thead, th";
+  const places = (page) =>
+    page.$$eval(first, (all) =>
+      all.map((e) => {
+        const { left, top, width, height } = e.getBoundingClientRect();
+        return [e.tagName, e.className.baseVal ?? e.className, left, top, width, height].join(" ");
+      }),
+    );
+  for (const [width, path] of [[1280, longPage], [390, pageOf(suite({ failed: ROWS }))]]) {
+    await withHalfPage(
+      { width },
+      async (page, finish) => {
+        // The icons are drawn by the script, in a button that keeps their place.
+        await page.$$eval(".theme-toggle svg", (all) => all.forEach((e) => e.remove()));
+        await page.evaluate(() => {
+          document.querySelector(".theme-toggle").innerHTML =
+            '<svg class="ti-sun" style="display: none"></svg><svg class="ti-moon" style="display: block"></svg>';
+        });
+        const before = await places(page);
+        assert.ok(before.length > 30);
+        assert.equal(await page.text(".kpi .v"), String(ROWS));
+        await finish();
+        const same = (await places(page)).slice(0, before.length);
+        assert.deepEqual(same, before, `${width} pixels`);
+      },
+      path,
+    );
+  }
+});
+
+test("print shows all that has come while the page loads", { needs: "print" }, async () => {
+  await withHalfPage({}, async (page, finish) => {
+    await page.setMedia({ media: "print" });
+    const half = await seen(page);
+    assert.ok(half.rows > 1000 && half.rows < ROWS);
+    assert.equal(half.note, "");
+    await page.setMedia({ media: "screen" });
+    assert.deepEqual(await seen(page), HALF);
+    await finish();
+    await page.setMedia({ media: "print" });
+    const whole = await seen(page);
+    assert.deepEqual([whole.rows, whole.note], [ROWS, ""]);
+  });
+});
+
+test("nothing of the waiting is left when the rows have come", async () => {
+  await withPage(threeTables, {}, async (page) => {
+    const left = await page.evaluate(() => document.getAnimations().map((e) => e.animationName ?? e.transitionProperty));
+    assert.deepEqual(left, []);
+    for (const index of [0, 1, 2]) {
+      assert.deepEqual(await seen(page, index), { rows: 100, note: "", status: "Page 1 of 2" });
+    }
+  });
+});
+
+// Scripts that are allowed in principle, but never run, or not to their end.
+
+function pageWithout(scripts) {
+  const html = readFileSync(longPage, "utf8");
+  const [text] = html.match(scripts);
+  return pageWith(longPage, text, "");
+}
+
+const stripped = pageWithout(/<script>[^]*<\/script>\n/);
+const STATES = [
+  ["scripts are stripped", stripped, /^$/],
+  [
+    "a policy stops scripts",
+    pageWith(longPage, "<head>\n", '<head>\n<meta http-equiv="Content-Security-Policy" content="script-src \'none\'">\n'),
+    /Content[- ]Security[- ]Policy/i,
+  ],
+  [
+    "the pager throws before it does anything",
+    pageWith(longPage, "  var DEFAULT_PAGE_SIZE", '  throw new Error("on purpose");\n\n  var DEFAULT_PAGE_SIZE'),
+    /on purpose/,
+  ],
+];
+
+/** Opens a page whose scripts fail in a way that the browser may complain about. */
+function withDeadPage(path, complaint, options, body) {
+  return withPage(path, options, async (page) => {
+    await body(page);
+    await page.tab.collect?.();
+    // WebKit says no more than this of a script in a file.
+    const expected = (error) => error === "Script error." || complaint.test(error);
+    assert.deepEqual(page.seen.errors.splice(0).filter((error) => !expected(error)), []);
+  });
+}
+
+/** The elements that wait, each with the state of its clock. */
+function clocks(page) {
+  return page.evaluate(() =>
+    document
+      .getAnimations()
+      .filter((e) => e.animationName === "rows-wait")
+      .map((e) => [e.effect.target.localName, e.playState]),
+  );
+}
+
+/** Stops the clocks of the waiting at so many milliseconds. */
+function stopClocks(page, time) {
+  return page.evaluate((now) => {
+    for (const wait of document.getAnimations().filter((e) => e.animationName === "rows-wait")) {
+      wait.pause();
+      wait.currentTime = now;
+    }
+  }, time);
+}
+
+for (const [state, path, complaint] of STATES) {
+  for (const reducedMotion of ["no-preference", "reduce"]) {
+    test(`${state}: rows come within 30 s (${reducedMotion})`, async () => {
+      await withDeadPage(path, complaint, { reducedMotion }, async (page) => {
+        assert.deepEqual(await seen(page), WAITING);
+        assert.deepEqual(await clocks(page), [["table", "running"], ["div", "running"]]);
+        await stopClocks(page, WAIT_MS - 1);
+        assert.deepEqual(await seen(page), WAITING);
+        await stopClocks(page, WAIT_MS + 1);
+        assert.deepEqual(await seen(page), ALL);
+      });
+    });
+
+    test(`${state}: a press on Next shows every row, for good (${reducedMotion})`, async () => {
+      await withDeadPage(path, complaint, { reducedMotion }, async (page) => {
+        await page.click("[data-dt-next]");
+        await page.until((rows) => {
+          const last = document.querySelectorAll("tbody tr")[rows - 1];
+          return last.getClientRects().length > 0;
+        }, ROWS);
+        assert.deepEqual(await seen(page), ALL);
+        await page.until(() =>
+          document.getAnimations().every((e) => e.animationName !== "rows-asked-for" || e.playState === "finished"),
+        );
+        await page.click("h3");
+        assert.ok(await page.evaluate("document.activeElement === document.body"));
+        assert.deepEqual(await seen(page), ALL);
+      });
+    });
+  }
+
+  test(`${state}: print shows every row`, { needs: "print" }, async () => {
+    await withDeadPage(path, complaint, {}, async (page) => {
+      await page.setMedia({ media: "print" });
+      const { rows, note } = await seen(page);
+      assert.deepEqual([rows, note], [ROWS, ""]);
+      await page.setMedia({ media: "screen" });
+      assert.equal((await seen(page)).rows, 0);
+    });
+  });
+}
+
+test("the keyboard shows the rows, too, when it comes to the pager", async () => {
+  await withPage(stripped, {}, async (page) => {
+    await page.focus("[data-dt-prev]");
+    assert.deepEqual(await seen(page), ALL);
+  });
+});
+
+test("a press shows the rows of its own table", async () => {
+  const path = pageWith(threeTables, "<script>", "<!--");
+  await withPage(path, {}, async (page) => {
+    await page.click("[data-dt-next]", { index: 1 });
+    const rows = [];
+    for (const index of [0, 1, 2]) {
+      rows.push((await seen(page, index)).rows);
+    }
+    assert.deepEqual(rows, [0, 102, 0]);
+  });
+});
+
+test("with scripting switched off every row is there at once and nothing to press", async () => {
+  await withPage(threeTables, { scripting: false }, async (page) => {
+    assert.equal(await page.countVisible("tbody tr"), 306);
+    assert.equal(await page.countVisible(".dt-pager, .theme-toggle"), 0);
+    assert.equal((await page.computed("table[data-page-size]", ["display"], "::after")).display, "none");
+  });
+});
+
+test("a pager that stumbles over one table leaves the rows of the others readable", async () => {
+  const path = pageWith(threeTables, '<p class="compare-table-title">Failed', '<p class="compare-table-title" id="f">Failed');
+  const broken = pageWith(path, '<span class="dt-pager-status"></span>', "");
+  await withDeadPage(broken, /null|status/, {}, async (page) => {
+    assert.equal(await page.attribute("html", "data-paged"), "");
+    assert.deepEqual(
+      await page.$$eval("table[data-page-size]", (tables) =>
+        tables.slice(1).map((table) => [...table.querySelectorAll("tbody tr")].filter((e) => e.getClientRects().length).length),
+      ),
+      [102, 103],
+    );
+  });
+});
+
+test("until its script has run the theme button keeps its place but does not show", async () => {
+  await withPage(stripped, {}, async (page) => {
+    const names = ["visibility", "display", "width"];
+    assert.deepEqual(await page.computed(".theme-toggle", names), {
+      visibility: "hidden",
+      display: "flex",
+      width: "30px",
+    });
+  });
+  await withPage(longPage, {}, async (page) => {
+    assert.equal((await page.computed(".theme-toggle", ["visibility"])).visibility, "visible");
+  });
+});
