@@ -80,7 +80,7 @@ bool ends_in(std::string_view name, std::string_view ending)
 {
     return name.size() >= ending.size() &&
            std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char c) {
-               return c == wanted || (c >= 'A' && c <= 'Z' && c - 'A' + 'a' == wanted);
+               return wanted == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
            });
 }
 
