@@ -2,8 +2,9 @@
 #
 # Makes, at build time, a header that holds the exact bytes of FILE as one constexpr
 # std::string_view called NAME; with ELEMENT between "<name>\n" and "</name>\n".
-# FILE must not hold a NUL byte (the constant would look cut to C code) nor close a
-# style or script element (the browser would end the element there).
+# FILE must not hold a NUL byte (the constant would look cut to C code) nor a carriage
+# return (compilers drop it), nor close a style or script element (the browser would end
+# the element there).
 #
 # The file runs twice: included by the project it defines the function; run as a
 # script by the rule that the function makes, it writes the header.
@@ -25,39 +26,23 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
   return()
 endif()
 
-file(READ "${FILE}" content HEX)
-string(TOLOWER "${content}" folded)
-
-# Pairs of hexadecimal digits are matched at even offsets only, so "00" across two
-# bytes is no NUL.
-string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${folded}")
-if(bytes MATCHES "0x00,")
-  message(FATAL_ERROR "${FILE} holds a NUL byte")
+# A text with a NUL or a carriage return comes out shorter than the file.
+file(READ "${FILE}" text)
+file(SIZE "${FILE}" size)
+string(LENGTH "${text}" length)
+if(NOT length EQUAL size)
+  message(FATAL_ERROR "${FILE} holds a NUL byte or a carriage return")
 endif()
 
-# "</style" and "</script" with each letter in either case.
-set(close "0x3c,0x2f,")
-set(style "0x[57]3,0x[57]4,0x[57]9,0x[46]c,0x[46]5,")
-set(script "0x[57]3,0x[46]3,0x[57]2,0x[46]9,0x[57]0,0x[57]4,")
-if(bytes MATCHES "${close}(${style}|${script})")
+string(TOLOWER "${text}" folded)
+if(folded MATCHES "</(style|script)")
   message(FATAL_ERROR "${FILE} would close the element that it is embedded in")
 endif()
 
-string(LENGTH "${folded}" digits)
-math(EXPR length "${digits} / 2")
-string(REGEX REPLACE "(0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],0x[0-9a-f][0-9a-f],)" "\\1\n" bytes "${bytes}")
-
-function(as_bytes text result)
-  string(HEX "${text}" hex)
-  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," hex "${hex}")
-  set(${result} "${hex}" PARENT_SCOPE)
-endfunction()
-set(before "")
-set(after "")
 if(ELEMENT)
-  as_bytes("<${ELEMENT}>\n" before)
-  as_bytes("</${ELEMENT}>\n" after)
+  set(text "<${ELEMENT}>\n${text}</${ELEMENT}>\n")
 endif()
+string(LENGTH "${text}" length)
 
 file(WRITE "${HEADER}" "// Made by cmake/embed_text.cmake from ${FILE}; do not edit.
 
@@ -65,11 +50,6 @@ file(WRITE "${HEADER}" "// Made by cmake/embed_text.cmake from ${FILE}; do not e
 
 #include <string_view>
 
-inline constexpr char ${NAME}_BYTES[] = {
-${before}
-${bytes}
-${after}
-0x00};
-
-inline constexpr std::string_view ${NAME}(${NAME}_BYTES, sizeof ${NAME}_BYTES - 1);
+inline constexpr std::string_view ${NAME} = R\"EMBEDDED(${text})EMBEDDED\";
+static_assert(${NAME}.size() == ${length});
 ")

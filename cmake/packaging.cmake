@@ -16,6 +16,7 @@ install(FILES completions/fthsummary.bash RENAME fthsummary
         DESTINATION "${data}/bash-completion/completions" COMPONENT program)
 install(FILES completions/fthsummary.fish
         DESTINATION "${data}/fish/vendor_completions.d" COMPONENT program)
+install(DIRECTORY filters DESTINATION "${data}/fthsummary" COMPONENT program)
 install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program)
 install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT program
         PATTERN content-policy EXCLUDE)
@@ -45,13 +46,11 @@ function(packed name input)
     COMMAND "${GZIP}" -9nf "${debian}/${name}"
     DEPENDS "${input}" "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog"
     VERBATIM)
-  set_property(GLOBAL APPEND PROPERTY FTHSUMMARY_PACKED "${debian}/${name}.gz")
 endfunction()
 packed(fthsummary.1 "${PROJECT_SOURCE_DIR}/man/fthsummary.1" cat)
 packed(changelog "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
        "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog" "${FTHSUMMARY_MAINTAINER}")
-get_property(packed_files GLOBAL PROPERTY FTHSUMMARY_PACKED)
-add_custom_target(debian_files ALL DEPENDS ${packed_files})
+add_custom_target(debian_files ALL DEPENDS "${debian}/fthsummary.1.gz" "${debian}/changelog.gz")
 
 install(FILES "${debian}/fthsummary.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
         COMPONENT debian EXCLUDE_FROM_ALL)

@@ -27,17 +27,19 @@ foreach(text "</style>" "a</StYlE b" "</script>" "x</SCRIPT" "</style" "</script
 endforeach()
 
 # CMake's strings cannot hold a NUL; the shell's printf can write one.
-execute_process(COMMAND printf "a\\0b" OUTPUT_FILE "${FOLDER}/nul")
-execute_process(
-  COMMAND "${CMAKE_COMMAND}" "-DHEADER=${FOLDER}/nul.h" -DNAME=TEXT "-DFILE=${FOLDER}/nul"
-          -DELEMENT= -P "${script}"
-  RESULT_VARIABLE status ERROR_VARIABLE message)
-one_line(message)
-if(status EQUAL 0 OR NOT message MATCHES "NUL byte")
-  message(FATAL_ERROR "a NUL byte is not refused: ${message}")
-endif()
+foreach(bytes "a\\0b" "a\\0" "a\\r\\nb")
+  execute_process(COMMAND printf "${bytes}" OUTPUT_FILE "${FOLDER}/bytes")
+  execute_process(
+    COMMAND "${CMAKE_COMMAND}" "-DHEADER=${FOLDER}/bytes.h" -DNAME=TEXT "-DFILE=${FOLDER}/bytes"
+            -DELEMENT= -P "${script}"
+    RESULT_VARIABLE status ERROR_VARIABLE message)
+  one_line(message)
+  if(status EQUAL 0 OR NOT message MATCHES "NUL byte or a carriage return")
+    message(FATAL_ERROR "'${bytes}' is not refused: ${message}")
+  endif()
+endforeach()
 
-# Bytes 0x10 0x0f hold "00" only across two bytes; the others merely look alike.
+# What may stand in a text, though it looks like what may not.
 string(ASCII 16 15 control_bytes)
 foreach(text "" "${control_bytes}" "< /style>" "</stile>" "<style>" "</ script>" ";[]\\\"")
   embed(taken "${text}" status)

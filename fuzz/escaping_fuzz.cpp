@@ -1,25 +1,25 @@
-// The escapers, the entity decoder and the text buffer below them.
+// The escapers and the entity decoder.
 //
 // An input: options, a limit, two places at which the text is cut, and the text in short
-// form; or, by the options, the steps of a buffer's life.
+// form.
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+
+#include <nlohmann/json.hpp>
 
 #include "core/text_buffer.h"
 #include "report/html_entities.h"
 #include "report/html_escape.h"
+#include "report/naive_scraper.h"
 #include "summary/json_summary.h"
-#include "support/buffer_model.h"
 #include "support/input.h"
-#include "support/naive_decoders.h"
+#include "support/read_back.h"
 #include "support/require.h"
 #include "support/target.h"
 
 namespace {
 
-constexpr std::uint8_t BUFFER_STEPS = 1; // the input is steps, not a text
 constexpr std::uint8_t LIMIT_BY_LENGTH = 2;
 
 constexpr std::size_t TEXT_SIZE = 4096;
@@ -30,90 +30,56 @@ constexpr std::array<std::string_view, 12> WORDS = {"&amp;", "&lt;",  "&gt;", "&
 
 using Escaper = bool (*)(TextBuffer& buffer, std::string_view text);
 
-// An owned buffer that already holds some bytes, so that it grows at other places.
-class EscapedText
+// What the escaper makes of the text in two parts, behind other bytes in its buffer, so
+// that the buffer grows at any place.
+std::string escaped_by(Escaper escape, std::string_view before, std::string_view text,
+                       std::size_t cut)
 {
-public:
-    EscapedText(Escaper escape, std::string_view before, std::string_view text, std::size_t cut)
-        : start_(before.size())
-    {
-        text_buffer_init(buffer_);
-        judge_buffer(buffer_);
-        require(before.empty() || text_buffer_append(buffer_, before), "a text before is appended");
-        require(escape(buffer_, text.substr(0, cut)), "the first part is escaped");
-        judge_buffer(buffer_);
-        require(escape(buffer_, text.substr(cut)), "the second part is escaped");
-        judge_buffer(buffer_);
-        require(buffer_.data != nullptr || (before.empty() && text.empty()),
-                "only an empty text allocates nothing");
-        require(view(0).starts_with(before), "the text before stays");
-    }
+    TextBuffer buffer;
+    text_buffer_init(buffer);
+    require(text_buffer_append(buffer, before), "the text before is appended");
+    require(escape(buffer, text.substr(0, cut)), "the first part is escaped");
+    require(escape(buffer, text.substr(cut)), "the second part is escaped");
+    require(buffer.data[buffer.length] == '\0', "a NUL ends the text");
+    const std::string all(buffer.data, buffer.length);
+    text_buffer_free(buffer);
+    require(all.starts_with(before), "the text before stays");
+    return all.substr(before.size());
+}
 
-    ~EscapedText()
-    {
-        text_buffer_free(buffer_);
-        require(buffer_.data == nullptr, "a freed buffer is empty");
-        judge_buffer(buffer_);
-    }
-
-    EscapedText(const EscapedText&) = delete;
-    EscapedText& operator=(const EscapedText&) = delete;
-
-    std::string_view view() const
-    {
-        return view(start_);
-    }
-
-private:
-    std::string_view view(std::size_t start) const
-    {
-        return {buffer_.data + start, buffer_.length - start};
-    }
-
-    TextBuffer buffer_;
-    std::size_t start_;
-};
-
-void judge_decoding(std::string_view text, std::size_t limit)
+std::string decoded_by_program(std::string_view text, std::size_t limit)
 {
-    static std::array<char, 2 * TEXT_SIZE> expected;
-    const std::size_t length = std::min(naive_decode_html(text, expected.data()), limit);
-
     const ExactText source(text);
     const std::unique_ptr<char[]> decoded(new char[limit + 1]);
     const char* start = source.view().data();
     html_copy_decoded(decoded.get(), start, start + text.size(), limit);
-    require(std::memcmp(decoded.get(), expected.data(), length) == 0, "the decoded text");
+    // A NUL of the text looks like the end, so the length is told by the naive decoder.
+    const std::size_t length = std::min(naive_decoded(std::string(text)).size(), limit);
     require(decoded[length] == '\0', "the decoded text's NUL");
+    return {decoded.get(), length};
+}
+
+std::string with_breaks(std::string_view text)
+{
+    std::string broken;
+    for (const char byte : text) {
+        broken += byte;
+        broken += byte == '/' || byte == '\\' ? "<wbr>" : "";
+    }
+    return broken;
 }
 
 void judge_html(std::string_view text, std::string_view before, std::size_t cut)
 {
-    static std::array<char, 6 * TEXT_SIZE> decoded;
-    const EscapedText escaped(html_append_escaped, before, text, cut);
-    require(is_escaped_html(escaped.view()), "escaped text holds references in place of markup");
-    const std::size_t length = naive_decode_html(escaped.view(), decoded.data());
-    require(std::string_view(decoded.data(), length) == text, "escaped text decodes to itself");
+    const std::string escaped = escaped_by(html_append_escaped, before, text, cut);
+    require(escaped.find_first_of("<>\"'") == escaped.npos, "escaped text holds no markup");
+    require(naive_decoded(escaped) == text, "escaped text decodes to itself");
+    require(naive_decoded(naive_decoded(escaped_by(html_append_escaped, "", escaped, 0))) == text,
+            "text that is escaped already is escaped again");
+    require(decoded_by_program(escaped, text.size()) == text, "our decoder undoes our escaper");
 
-    const char* start = escaped.view().data();
-    html_copy_decoded(decoded.data(), start, start + escaped.view().size(), decoded.size() - 1);
-    require(std::string_view(decoded.data(), text.size()) == text,
-            "our decoder undoes our escaper");
-    require(decoded[text.size()] == '\0', "our decoder ends where the text ends");
-
-    const EscapedText path(html_append_escaped_path, before, text, cut);
-    require(is_same_but_for_breaks(path.view(), escaped.view()),
-            "a path is the escaped text with a break behind each separator");
-}
-
-void judge_json(std::string_view text, std::string_view before, std::size_t cut)
-{
-    static std::array<char, 6 * TEXT_SIZE> decoded;
-    const EscapedText escaped(json_append_escaped, before, text, cut);
-    std::size_t length = 0;
-    require(naive_decode_json(escaped.view(), decoded.data(), length),
-            "escaped text is the inside of a JSON string, with no other escapes than are due");
-    require(std::string_view(decoded.data(), length) == text, "a JSON string reads as its text");
+    const std::string path = escaped_by(html_append_escaped_path, before, text, cut);
+    require(path == with_breaks(escaped), "a path has a break behind each separator");
 }
 
 } // namespace
@@ -123,21 +89,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     static std::array<char, TEXT_SIZE> bytes;
     Input input(data, size);
     const std::uint8_t options = input.byte();
-    if ((options & BUFFER_STEPS) != 0) {
-        judge_buffer_steps(input);
-        return 0;
-    }
-    const std::size_t limit = input.byte();
+    const std::size_t given_limit = input.byte();
     const std::size_t first_cut = input.byte();
     const std::size_t second_cut = input.byte();
     const std::string_view text(bytes.data(), expand(input.take_rest(), WORDS, bytes));
 
-    const bool by_length = (options & LIMIT_BY_LENGTH) != 0;
-    judge_decoding(text, by_length ? (text.size() + 128) - std::min<std::size_t>(limit, text.size())
-                                   : limit);
+    const std::size_t limit = (options & LIMIT_BY_LENGTH) == 0
+                                  ? given_limit
+                                  : text.size() + 128 - std::min(given_limit, text.size());
+    require(decoded_by_program(text, limit) == naive_decoded(std::string(text)).substr(0, limit),
+            "the decoded text");
     const std::string_view before = text.substr(0, std::min(first_cut, text.size()));
     const std::size_t cut = std::min(second_cut, text.size());
     judge_html(text, before, cut);
-    judge_json(text, before, cut);
+    const std::string json = "\"" + escaped_by(json_append_escaped, before, text, cut) + "\"";
+    require(read_json(json) == as_characters(text), "a JSON string reads as its text");
     return 0;
 }

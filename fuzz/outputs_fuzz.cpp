@@ -4,17 +4,20 @@
 // An input: what goes wrong, which paths can be resolved, the time, the input directory,
 // the page's path, the two canonical paths, and the entries.
 
-#include <algorithm>
 #include <array>
+#include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <optional>
 
 #include "cli/version.h"
 #include "summary/json_summary.h"
 #include "summary/summary_model.h"
 #include "summary/summary_page.h"
+#include "support/call_faults.h"
 #include "support/entry_grammar.h"
 #include "support/expected_outputs.h"
-#include "support/memory_files.h"
 #include "support/require.h"
 #include "support/target.h"
 
@@ -23,24 +26,27 @@ namespace {
 constexpr std::size_t PATH_SIZE = 4096;
 constexpr std::uint8_t NO_FOLDER = 1;
 constexpr std::uint8_t NO_DIRECTORY = 2;
-
-constexpr std::int64_t SECONDS_A_DAY = 86400;
 constexpr std::int64_t YEAR_10000 = 253402300800;
+
+// The first byte of an input; any other value, and most are, lets all go well.
+enum WritingFault : std::uint8_t
+{
+    PIECEMEAL = 1, // each write takes a part; nothing is lost
+    NO_OPENING = 2,
+    FULL = 3 // the first write takes a part, the next one fails
+};
 
 struct Run
 {
+    std::uint8_t fault;
+    std::int64_t now;
     std::array<char, PATH_SIZE> input_dir;
     std::array<char, PATH_SIZE> page_path;
     std::array<char, PATH_SIZE> directory; // canonical, as the next
     std::array<char, PATH_SIZE> folder;
-    MemoryFiles files;
+    bool knows_directory;
+    bool knows_folder;
 };
-
-WritingFault fault_of(std::uint8_t byte)
-{
-    // Seldom: most inputs are to be written and read back.
-    return byte >= 1 && byte <= 3 ? static_cast<WritingFault>(byte) : WritingFault::None;
-}
 
 void take_canonical(Input& input, std::array<char, PATH_SIZE>& path)
 {
@@ -50,39 +56,34 @@ void take_canonical(Input& input, std::array<char, PATH_SIZE>& path)
 
 void take_run(Input& input, Run& run)
 {
-    run.files.fault = fault_of(input.byte());
+    run.fault = input.byte();
     const std::uint8_t unresolved = input.byte();
-    run.files.now = 0;
+    run.now = 0;
     for (const std::uint8_t byte : input.take_up_to(5)) {
-        run.files.now = run.files.now * 256 + byte;
+        run.now = run.now * 256 + byte;
     }
-    run.files.now %= YEAR_10000;
+    run.now %= YEAR_10000;
     take_text(input, run.input_dir.data(), PATH_SIZE - 1);
     take_text(input, run.page_path.data(), PATH_SIZE - 1);
     take_canonical(input, run.directory);
     take_canonical(input, run.folder);
-    run.files.canonical[0] = (unresolved & NO_FOLDER) != 0 ? nullptr : run.folder.data();
-    run.files.canonical[1] = (unresolved & NO_DIRECTORY) != 0 ? nullptr : run.directory.data();
+    run.knows_folder = (unresolved & NO_FOLDER) == 0;
+    run.knows_directory = (unresolved & NO_DIRECTORY) == 0;
 }
 
-// Counted from March on, so that the leap day is a year's last one.
-std::string_view shown_time(std::int64_t now, std::array<char, 64>& text)
+std::string shown_time(std::int64_t now)
 {
-    const std::int64_t day = now / SECONDS_A_DAY + 719468; // since 1 March of the year 0
-    const std::int64_t second = now % SECONDS_A_DAY;
-    const std::int64_t in_era = day % 146097;
-    const std::int64_t year_of_era =
-        (in_era - in_era / 1460 + in_era / 36524 - in_era / 146096) / 365;
-    const std::int64_t in_year = in_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-    const std::int64_t month = (5 * in_year + 2) / 153; // 0 is March
-    const std::int64_t year = year_of_era + day / 146097 * 400 + (month >= 10 ? 1 : 0);
-    const int length = std::snprintf(
-        text.data(), text.size(), "%04lld-%02lld-%02lld %02lld:%02lld:%02lld UTC",
-        static_cast<long long>(year), static_cast<long long>(month < 10 ? month + 3 : month - 9),
-        static_cast<long long>(in_year - (153 * month + 2) / 5 + 1),
-        static_cast<long long>(second / 3600), static_cast<long long>(second / 60 % 60),
-        static_cast<long long>(second % 60));
-    return {text.data(), static_cast<std::size_t>(length)};
+    using namespace std::chrono;
+    const sys_seconds time{seconds(now)};
+    const year_month_day day(floor<days>(time));
+    const hh_mm_ss clock(time - floor<days>(time));
+    std::array<char, 64> text;
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d UTC",
+                  static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                  static_cast<unsigned>(day.day()), static_cast<int>(clock.hours().count()),
+                  static_cast<int>(clock.minutes().count()),
+                  static_cast<int>(clock.seconds().count()));
+    return text.data();
 }
 
 std::string_view output_folder(std::string_view page_path)
@@ -94,22 +95,69 @@ std::string_view output_folder(std::string_view page_path)
     return slash == 0 ? page_path.substr(0, 1) : page_path.substr(0, slash);
 }
 
-// False: nothing is there to be read.
-bool judge_written(bool answer, const Run& run, std::string_view path)
+// Answers the first path that is resolved with the page's folder, the second one with
+// the directory that was scanned.
+class CanonicalPaths
 {
-    const WritingFault fault = run.files.fault;
-    require(opened_path() == path, "the path that is opened");
-    const bool whole = fault == WritingFault::None || fault == WritingFault::Piecemeal;
-    require(answer == whole, "true means that every byte was taken");
-    return whole;
-}
+public:
+    explicit CanonicalPaths(const Run& run)
+        : run_(run), realpath_(realpath_call, [this](const auto&, const char* path, char* output) {
+              return answer(path, output);
+          })
+    {
+    }
 
-void judge_resolved(const Run& run)
+private:
+    char* answer(const char* path, char* output)
+    {
+        const bool is_first = ++asked_ == 1;
+        require(asked_ <= 2, "two paths are resolved");
+        require(is_first ? path == output_folder(run_.page_path.data())
+                         : std::strcmp(path, run_.input_dir.data()) == 0,
+                "the path that is resolved");
+        if (!(is_first ? run_.knows_folder : run_.knows_directory)) {
+            errno = ENOENT;
+            return nullptr;
+        }
+        return std::strcpy(output, (is_first ? run_.folder : run_.directory).data());
+    }
+
+    const Run& run_;
+    int asked_ = 0;
+    Interception<char*, const char*, char*> realpath_;
+};
+
+using WriteSummary = bool (*)(const char* path, const SummaryModel& model);
+using Judge = void (*)(std::string_view bytes, const ExpectedOutputs& expected);
+
+void write_and_judge(WriteSummary write, Judge judge, const Run& run,
+                     const ExpectedOutputs& expected)
 {
-    require(resolved_path(0) == output_folder(run.page_path.data()), "the folder that is resolved");
-    require(resolved_path(1) ==
-                (run.files.canonical[0] == nullptr ? "" : std::string_view(run.input_dir.data())),
-            "the directory that is resolved, if the folder was");
+    const SummaryModel model = {run.input_dir.data(),
+                                expected.entries.empty() ? nullptr : expected.entries.data(),
+                                expected.entries.size(), VERSION_TEXT};
+    const MemoryFile file;
+    bool written = false;
+    {
+        const Interception now(time_call, [&](const auto&, std::time_t*) { return run.now; });
+        const CanonicalPaths paths(run);
+        std::optional<ShortTransfers> pieces;
+        if (run.fault == PIECEMEAL || run.fault == FULL) {
+            pieces.emplace(run.fault == FULL ? 100 : 1000);
+        }
+        const std::uint64_t never = UINT64_MAX;
+        const CallFault closed(open_call, run.fault == NO_OPENING ? 1 : never, -1, EACCES);
+        const CallFault full(write_call, run.fault == FULL ? 2 : never, -1, ENOSPC,
+                             Length::FromThenOn);
+        written = write(run.page_path.data(), model);
+    }
+    require(!file.is_open(), "the file is closed");
+    require(written == (run.fault != NO_OPENING && run.fault != FULL),
+            "true means that every byte was taken");
+    if (written) {
+        require(file.path() == run.page_path.data(), "the path that is opened");
+        judge(file.bytes(), expected);
+    }
 }
 
 } // namespace
@@ -119,29 +167,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     static Run run;
     Input input(data, size);
     take_run(input, run);
-    const std::span<const ReportEntry> entries = take_entries(input);
-    const SummaryModel model = {run.input_dir.data(), entries.empty() ? nullptr : entries.data(),
-                                entries.size(), VERSION_TEXT};
-    std::array<char, 64> time_text;
-    const bool resolved = run.files.canonical[0] != nullptr && run.files.canonical[1] != nullptr;
-    const ExpectedOutputs expected = {
-        run.input_dir.data(), entries, resolved ? run.files.canonical[1] : nullptr,
-        resolved ? run.files.canonical[0] : nullptr, shown_time(run.files.now, time_text)};
-
-    memory_files_start(run.files);
-    const bool page = write_summary_page(run.page_path.data(), model);
-    memory_files_stop();
-    judge_resolved(run);
-    if (judge_written(page, run, run.page_path.data())) {
-        judge_page(written_bytes(), expected);
-    }
-
-    memory_files_start(run.files);
-    const bool json = write_json_summary(run.page_path.data(), model);
-    memory_files_stop();
-    if (judge_written(json, run, run.page_path.data())) {
-        judge_json(written_bytes(), expected);
-    }
-    release_entries();
+    const bool resolved = run.knows_folder && run.knows_directory;
+    const ExpectedOutputs expected = {run.input_dir.data(), take_entries(input),
+                                      resolved ? run.directory.data() : nullptr,
+                                      resolved ? run.folder.data() : nullptr, shown_time(run.now)};
+    write_and_judge(write_summary_page, judge_page, run, expected);
+    write_and_judge(write_json_summary, judge_json, run, expected);
     return 0;
 }

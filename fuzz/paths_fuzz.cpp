@@ -1,4 +1,4 @@
-// make_relative_path and make_json_path against their naive versions.
+// make_relative_path and append_json_path against their naive versions.
 //
 // An input: options, two bytes of a capacity, and the two paths in short form with a NUL
 // between them.
@@ -41,8 +41,8 @@ std::uint64_t capacity_of(std::uint8_t options, std::uint64_t given, std::uint64
 void judge_link(std::string_view from, std::string_view to, std::uint8_t options,
                 std::uint64_t given)
 {
-    static std::array<char, NAIVE_LINK_SIZE> expected;
-    const std::size_t length = naive_relative_link(from, to, expected);
+    const std::string expected = naive_relative_link(from, to);
+    const std::size_t length = expected.size();
     const std::uint64_t capacity = capacity_of(options, given, length + 1);
 
     // Of its exact size, so that a byte written behind it is seen.
@@ -55,11 +55,12 @@ void judge_link(std::string_view from, std::string_view to, std::uint8_t options
 
 void judge_json_path(std::string_view page_path)
 {
-    static std::array<char, PATH_BUFFER_SIZE + 5> expected;
-    const std::size_t length = naive_json_path(page_path, expected);
+    const std::string expected = naive_json_path(page_path);
+    const std::size_t length = expected.size();
 
     const std::unique_ptr<char[]> path(new char[page_path.size() + 6]);
-    make_json_path(page_path, path.get());
+    BoundedText text = {path.get(), page_path.size() + 6, 0};
+    require(append_json_path(text, page_path), "room for the JSON path");
     require(std::memcmp(path.get(), expected.data(), length) == 0, "the JSON path's text");
     require(path[length] == '\0', "the JSON path's NUL");
 }

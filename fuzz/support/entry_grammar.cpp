@@ -5,8 +5,6 @@
 #include <charconv>
 #include <cstring>
 
-#include "support/poison.h"
-
 namespace {
 
 constexpr std::uint8_t KIND_BITS = 3;
@@ -30,35 +28,6 @@ struct Store
 };
 
 Store store;
-
-// Poisons what lies behind a field's text. AddressSanitizer watches whole groups of
-// eight bytes, so some bytes at the end may stay open.
-template <std::size_t SIZE>
-void poison_behind_text(const char (&field)[SIZE])
-{
-    const std::size_t used = std::strlen(field) + 1;
-    poison(field + used, SIZE - used);
-}
-
-void poison_slots(const char (&slots)[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE], std::uint64_t count)
-{
-    for (std::uint64_t slot = 0; slot < REPORT_MAX_CHECKS; ++slot) {
-        if (slot < count) {
-            poison_behind_text(slots[slot]);
-        } else {
-            poison(slots[slot], REPORT_TEXT_SIZE);
-        }
-    }
-}
-
-void poison_unused(const ReportEntry& entry)
-{
-    poison_behind_text(entry.analysis_mode);
-    poison_behind_text(entry.analysis_mode_sub);
-    poison_slots(entry.failed_checks, entry.failed_check_count);
-    poison_slots(entry.non_gating_checks, entry.non_gating_check_count);
-    poison_behind_text(entry.error);
-}
 
 void take_names(Input& input, char (&slots)[REPORT_MAX_CHECKS][REPORT_TEXT_SIZE],
                 std::uint64_t& count)
@@ -152,13 +121,5 @@ std::span<const ReportEntry> take_entries(Input& input)
         add(entry, {path.data(), length});
         add_many(entry, {path.data(), length}, count);
     }
-    for (std::size_t i = 0; i < store.count; ++i) {
-        poison_unused(store.entries[i]);
-    }
     return {store.entries.data(), store.count};
-}
-
-void release_entries()
-{
-    unpoison(store.entries.data(), sizeof store.entries);
 }

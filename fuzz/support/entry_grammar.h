@@ -17,6 +17,5 @@ std::size_t take_text(Input& input, char* text, std::size_t most);
 
 // Takes entries until the input is used up or no room is left; they stay valid until the
 // next call. No two have the same path. What nobody may read (slots that do not count,
-// bytes behind a text's NUL) holds no NUL, and is poisoned until release_entries.
+// bytes behind a text's NUL) holds no NUL, so that whoever reads it shows it.
 std::span<const ReportEntry> take_entries(Input& input);
-void release_entries();

@@ -1,94 +1,60 @@
 #include "support/naive_paths.h"
 
-#include <array>
-#include <cstring>
+#include <algorithm>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t SLOTS = 64;
-constexpr std::size_t SLOT_SIZE = 255;
-
-struct Slots
-{
-    std::array<std::array<char, SLOT_SIZE>, SLOTS> bytes;
-    std::array<std::size_t, SLOTS> lengths;
-    std::size_t used;
-};
+constexpr std::size_t MOST_COMPONENTS = 64;
+constexpr std::size_t LONGEST_COMPONENT = 255;
 
 // One byte after another: a separator closes the component before it, any other byte
 // opens one or goes on with it.
-void fill(Slots& slots, std::string_view path)
+std::vector<std::string> components_of(std::string_view path)
 {
-    slots.used = 0;
+    std::vector<std::string> components;
     bool inside = false;
     for (const char byte : path) {
-        if (byte == '/' || byte == '\\') {
-            inside = false;
-            continue;
+        const bool separates = byte == '/' || byte == '\\';
+        if (!separates && !inside) {
+            components.emplace_back();
         }
-        if (!inside) {
-            if (slots.used == SLOTS) {
-                return;
-            }
-            slots.lengths[slots.used++] = 0;
-            inside = true;
-        }
-        std::size_t& length = slots.lengths[slots.used - 1];
-        if (length < SLOT_SIZE) {
-            slots.bytes[slots.used - 1][length++] = byte;
+        inside = !separates;
+        if (inside && components.back().size() < LONGEST_COMPONENT) {
+            components.back() += byte;
         }
     }
-}
-
-bool equal(const Slots& first, const Slots& second, std::size_t slot)
-{
-    return first.lengths[slot] == second.lengths[slot] &&
-           std::memcmp(first.bytes[slot].data(), second.bytes[slot].data(), first.lengths[slot]) ==
-               0;
+    components.resize(std::min(components.size(), MOST_COMPONENTS));
+    return components;
 }
 
 } // namespace
 
-std::size_t naive_relative_link(std::string_view from, std::string_view to,
-                                std::span<char, NAIVE_LINK_SIZE> link)
+std::string naive_relative_link(std::string_view from, std::string_view to)
 {
-    static Slots folder;
-    static Slots target;
-    fill(folder, from);
-    fill(target, to);
-
+    const std::vector<std::string> folder = components_of(from);
+    const std::vector<std::string> target = components_of(to);
     std::size_t shared = 0;
-    while (shared < folder.used && shared < target.used && equal(folder, target, shared)) {
+    while (shared < folder.size() && shared < target.size() && folder[shared] == target[shared]) {
         ++shared;
     }
-    std::size_t length = 0;
-    for (std::size_t slot = shared; slot < folder.used; ++slot) {
-        link[length++] = '.';
-        link[length++] = '.';
-        link[length++] = '/';
+    std::string link;
+    for (std::size_t i = shared; i < folder.size(); ++i) {
+        link += "../";
     }
-    for (std::size_t slot = shared; slot < target.used; ++slot) {
-        if (slot > shared) {
-            link[length++] = '/';
-        }
-        std::memcpy(link.data() + length, target.bytes[slot].data(), target.lengths[slot]);
-        length += target.lengths[slot];
+    for (std::size_t i = shared; i < target.size(); ++i) {
+        link += (i > shared ? "/" : "") + target[i];
     }
-    return length;
+    return link;
 }
 
-std::size_t naive_json_path(std::string_view page_path, std::span<char> json_path)
+std::string naive_json_path(std::string_view page_path)
 {
-    // Each of the four endings holds one dot, its first byte.
-    std::size_t stem = page_path.size();
-    const std::size_t dot = page_path.rfind('.');
-    if (dot != std::string_view::npos) {
-        const std::string_view ending = page_path.substr(dot + 1);
-        if (ending == "html" || ending == "HTML" || ending == "htm" || ending == "HTM") {
-            stem = dot;
+    for (const std::string_view ending : {".html", ".HTML", ".htm", ".HTM"}) {
+        if (page_path.ends_with(ending)) {
+            page_path.remove_suffix(ending.size());
+            break;
         }
     }
-    page_path.copy(json_path.data(), stem);
-    std::string_view(".json").copy(json_path.data() + stem, 5);
-    return stem + 5;
+    return std::string(page_path) + ".json";
 }

@@ -1,19 +1,12 @@
-// Relative links and JSON paths worked out a second time, step by step as they are
-// defined, with nothing of the code under test.
+// Relative links and JSON paths, made another way than the code under test makes them.
 
 #pragma once
 
-#include <cstddef>
-#include <span>
+#include <string>
 #include <string_view>
 
-// No link is longer: 64 steps up and 64 components of 255 bytes with their separators.
-inline constexpr std::size_t NAIVE_LINK_SIZE = 64 * 3 + 64 * 256;
+// What make_relative_path of core/paths.h ought to write where it has room.
+std::string naive_relative_link(std::string_view from, std::string_view to);
 
-// Writes the link from the folder `from` to `to`, without a NUL; its length is returned.
-std::size_t naive_relative_link(std::string_view from, std::string_view to,
-                                std::span<char, NAIVE_LINK_SIZE> link);
-
-// Writes the JSON path that belongs to page_path, without a NUL, to json_path, which has
-// room for five bytes more than page_path; its length is returned.
-std::size_t naive_json_path(std::string_view page_path, std::span<char> json_path);
+// What make_json_path of cli/output_paths.h ought to write.
+std::string naive_json_path(std::string_view page_path);

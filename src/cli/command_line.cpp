@@ -7,7 +7,7 @@
 
 namespace {
 
-// --version, --help and -h work but are not listed: that is meant.
+// Tells how to start a run, so --version, --help and -h are not listed.
 constexpr char USAGE[] =
     "fthsummary -- pass/fail summary of fathomix analyze reports\n"
     "\n"

@@ -1,11 +1,13 @@
 #include "cli/run.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "cli/output_paths.h"
 #include "cli/version.h"
+#include "core/append_all.h"
 #include "core/memory.h"
 #include "core/paths.h"
 #include "report/read_analyze_report.h"
@@ -53,7 +55,7 @@ bool list_files(const CommandLine& options, FileList& files)
 }
 
 // False: a message was printed.
-bool read_files(const CommandLine& options, Reading& reading, char* path_buffer)
+bool read_files(const CommandLine& options, Reading& reading)
 {
     const std::uint64_t count = reading.files.count;
     if (count == 0) {
@@ -66,7 +68,7 @@ bool read_files(const CommandLine& options, Reading& reading, char* path_buffer)
     }
     prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
     for (std::uint64_t i = 0; i < count; ++i) {
-        read_entry(options.input_dir, reading.files.paths[i], path_buffer, reading.entries[i]);
+        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
     }
     return true;
 }
@@ -75,10 +77,14 @@ bool read_files(const CommandLine& options, Reading& reading, char* path_buffer)
 int status_of(const SummaryModel& model)
 {
     for (std::uint64_t i = 0; i < model.count; ++i) {
-        const ReportEntry& entry = model.entries[i];
-        const bool failed = entry.kind == ReportKind::Analyzed && entry.passed == 0;
-        if (failed || entry.kind == ReportKind::RunError || entry.kind == ReportKind::Unreadable) {
+        switch (outcome_of(model.entries[i])) {
+        case Outcome::Failed:
+        case Outcome::Errored:
+        case Outcome::Unreadable:
             return FAILURE;
+        case Outcome::Passed:
+        case Outcome::NoReport:
+            break;
         }
     }
     return SUCCESS;
@@ -90,33 +96,34 @@ bool report_unwritten(const char* path)
     return false;
 }
 
-// Leaves the JSON path, if there is one, in path_buffer.
 // False: a message was printed.
-bool write_outputs(const CommandLine& options, const SummaryModel& model, char* path_buffer)
+bool write_page(const CommandLine& options, const SummaryModel& model)
 {
-    if (!create_page_folders(options.page_path, path_buffer)) {
+    if (!create_page_folders(options.page_path)) {
         std::fprintf(stderr, "error: could not create the folder for '%s'\n", options.page_path);
         return false;
     }
-    if (!write_summary_page(options.page_path, model)) {
-        return report_unwritten(options.page_path);
-    }
-    if (options.wants_json) {
-        make_json_path(options.page_path, path_buffer);
-        return write_json_summary(path_buffer, model) || report_unwritten(path_buffer);
-    }
-    return true;
+    return write_summary_page(options.page_path, model) || report_unwritten(options.page_path);
+}
+
+// Leaves the path of the file in json_path, which held no text.
+// False: a message was printed.
+bool write_json(const CommandLine& options, const SummaryModel& model, BoundedText& json_path)
+{
+    return (append_json_path(json_path, options.page_path) &&
+            write_json_summary(json_path.data, model)) ||
+           report_unwritten(json_path.data);
 }
 
 void print_closing_lines(const CommandLine& options, const SummaryModel& model,
                          const char* json_path)
 {
     const SummaryTally tally = tally_entries(model.entries, model.count);
-    std::printf("wrote %s (%zu fathomix reports: %zu passed, %zu failed", options.page_path,
-                std::size_t{total_reports(tally)}, std::size_t{tally.passed},
-                std::size_t{tally.failed});
+    std::printf("wrote %s (%ju fathomix reports: %ju passed, %ju failed", options.page_path,
+                std::uintmax_t{total_reports(tally)}, std::uintmax_t{tally.passed},
+                std::uintmax_t{tally.failed});
     if (tally.errored != 0) {
-        std::printf(", %zu errored", std::size_t{tally.errored});
+        std::printf(", %ju errored", std::uintmax_t{tally.errored});
     }
     std::printf(")%s\n", options.wants_json ? " + json" : "");
     if (options.wants_json) {
@@ -126,28 +133,29 @@ void print_closing_lines(const CommandLine& options, const SummaryModel& model,
 
 int run_steps(const CommandLine& options, Reading& reading)
 {
-    char path_buffer[LONG_PATH_BUFFER_SIZE];
-    if (!list_files(options, reading.files) || !read_files(options, reading, path_buffer)) {
+    if (!list_files(options, reading.files) || !read_files(options, reading)) {
         return FAILURE;
     }
     const SummaryModel model = {options.input_dir, reading.entries, reading.files.count,
                                 VERSION_TEXT};
-    if (!write_outputs(options, model, path_buffer)) {
+    char json_bytes[LONG_PATH_BUFFER_SIZE];
+    BoundedText json_path = {json_bytes, sizeof json_bytes, 0};
+    if (!write_page(options, model) ||
+        (options.wants_json && !write_json(options, model, json_path))) {
         return FAILURE;
     }
-    print_closing_lines(options, model, path_buffer);
+    print_closing_lines(options, model, json_path.data);
     return status_of(model);
 }
 
 } // namespace
 
-void read_entry(const char* input_dir, const char* relative_path, char* path_buffer,
-                ReportEntry& entry)
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry)
 {
-    const int length =
-        std::snprintf(path_buffer, LONG_PATH_BUFFER_SIZE, "%s/%s", input_dir, relative_path);
-    if (length >= 0 && static_cast<std::uint64_t>(length) < LONG_PATH_BUFFER_SIZE) {
-        read_analyze_report(path_buffer, relative_path, entry);
+    char bytes[LONG_PATH_BUFFER_SIZE];
+    BoundedText path = {bytes, sizeof bytes, 0};
+    if (append_all(path, input_dir, "/", relative_path)) {
+        read_analyze_report(path.data, relative_path, entry);
         return;
     }
     // Unreachable in a run, whose walk keeps paths far shorter.

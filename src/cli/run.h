@@ -10,8 +10,6 @@
 // read, 1 otherwise or when anything could not be done.
 [[nodiscard]] int run_summary(const CommandLine& options);
 
-// Reads the file at input_dir, "/" and relative_path into entry. path_buffer is
-// scratch space of LONG_PATH_BUFFER_SIZE bytes; a path that does not fit in it
-// leaves an entry of kind Unreadable.
-void read_entry(const char* input_dir, const char* relative_path, char* path_buffer,
-                ReportEntry& entry);
+// Reads the file at input_dir, "/" and relative_path into entry. A path that takes more
+// than LONG_PATH_BUFFER_SIZE bytes with its NUL leaves an entry of kind Unreadable.
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry);

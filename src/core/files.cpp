@@ -13,9 +13,9 @@ namespace {
 constexpr mode_t FOLDER_MODE = 0755;
 constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umask
 
-// The directory bit is tested alone, not the whole file type, so that block
-// devices (0x6000) and sockets (0xC000), whose types contain it, count as
-// directories too. That is meant.
+// The directory bit is tested alone, not the whole file type, so block devices (0x6000)
+// and sockets (0xC000), whose types contain it, count as directories, too. No folder
+// could be made in their place; using them as one is what fails.
 constexpr mode_t DIRECTORY_BIT = 0x4000;
 
 // One call gives everything in the ordinary case; the loop is for files beyond

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
+
+#include "core/append_all.h"
 
 namespace {
 
@@ -43,39 +44,25 @@ std::size_t count_shared(const Components& from, const Components& to)
     return shared;
 }
 
-// A text being written into a caller's buffer; there is always room for its NUL.
-struct BoundedText
-{
-    char* data;
-    std::uint64_t capacity;
-    std::uint64_t length;
-};
-
-// False: text does not fit with a NUL behind it; nothing was appended.
-bool append(BoundedText& bounded, std::string_view text)
-{
-    if (bounded.length + text.size() >= bounded.capacity) {
-        return false;
-    }
-    std::memcpy(bounded.data + bounded.length, text.data(), text.size());
-    bounded.length += text.size();
-    return true;
-}
-
 } // namespace
+
+std::string_view without_ending(std::string_view path,
+                                std::initializer_list<std::string_view> endings)
+{
+    for (const std::string_view ending : endings) {
+        if (path.ends_with(ending)) {
+            return path.substr(0, path.size() - ending.size());
+        }
+    }
+    return path;
+}
 
 bool resolve_path(const char* path, char* output, std::uint64_t capacity)
 {
     std::array<char, PATH_BUFFER_SIZE> resolved;
-    if (realpath(path, resolved.data()) == nullptr) {
-        return false;
-    }
-    const std::size_t length = std::strlen(resolved.data());
-    if (length >= capacity) {
-        return false;
-    }
-    std::memcpy(output, resolved.data(), length + 1);
-    return true;
+    BoundedText canonical = {output, capacity, 0};
+    return realpath(path, resolved.data()) != nullptr &&
+           bounded_text_append(canonical, resolved.data());
 }
 
 bool make_relative_path(std::string_view from, std::string_view to, char* output,
@@ -88,19 +75,12 @@ bool make_relative_path(std::string_view from, std::string_view to, char* output
     const std::size_t shared = count_shared(folder, target);
 
     BoundedText link = {output, capacity, 0};
-    for (std::size_t i = shared; i < folder.count; ++i) {
-        if (!append(link, "../")) {
-            return false;
-        }
+    bool fits = bounded_text_append(link, "");
+    for (std::size_t i = shared; fits && i < folder.count; ++i) {
+        fits = bounded_text_append(link, "../");
     }
-    for (std::size_t i = shared; i < target.count; ++i) {
-        if ((i > shared && !append(link, "/")) || !append(link, target.names[i])) {
-            return false;
-        }
+    for (std::size_t i = shared; fits && i < target.count; ++i) {
+        fits = append_all(link, i > shared ? "/" : "", target.names[i]);
     }
-    if (link.length >= capacity) {
-        return false;
-    }
-    output[link.length] = '\0';
-    return true;
+    return fits;
 }

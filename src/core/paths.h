@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string_view>
 
 // Bytes of a path buffer, its NUL included: paths built by the walk, canonical
@@ -21,9 +22,13 @@ constexpr bool is_path_separator(char c)
 }
 
 // What make_relative_path looks at: so many components of each path, and so many
-// bytes of each component. What lies beyond is cut off without a word.
+// bytes of each component. What lies beyond is left out, and that is no error.
 inline constexpr std::uint64_t PATH_MAX_COMPONENTS = 64;
 inline constexpr std::uint64_t PATH_COMPONENT_MAX_LENGTH = 255;
+
+// The path without that of the endings in which it ends, to the letter, if it does.
+std::string_view without_ending(std::string_view path,
+                                std::initializer_list<std::string_view> endings);
 
 // Writes the canonical absolute form of path (POSIX realpath: no symbolic link,
 // "." or ".." left) and its NUL to output, which holds capacity bytes.

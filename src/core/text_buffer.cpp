@@ -5,7 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -63,11 +62,7 @@ bool text_buffer_append(TextBuffer& buffer, std::string_view text)
     if (!grow(buffer, text.size())) {
         return false;
     }
-    // An empty view may hold a null pointer, which memcpy does not take.
-    if (!text.empty()) {
-        std::memcpy(buffer.data + buffer.length, text.data(), text.size());
-    }
-    buffer.length += text.size();
+    buffer.length += text.copy(buffer.data + buffer.length, text.size());
     buffer.data[buffer.length] = '\0';
     return true;
 }

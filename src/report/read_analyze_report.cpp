@@ -10,34 +10,28 @@
 
 namespace {
 
-// The byte sequences that the analyzer writes and this reader looks for.
-constexpr char VERDICT_LABEL[] = "<div class=\"k\">Overall Verdict</div>";
-constexpr char VALUE_START[] = "<div class=\"v\">";
-constexpr char PASS_WORD[] = "PASS";
-constexpr char ERROR_WORD[] = "ERROR";
-constexpr char RUN_ERROR_START[] = "<p class=\"run-error\">";
-constexpr char RUN_ERROR_END[] = "</p>";
-constexpr char TAB_BAR_START[] = "<nav class=\"nav-tabs\">";
-constexpr char TAB_BAR_END[] = "</nav>";
+// The byte sequences that the analyzer writes and this reader looks for, each with a NUL
+// behind it.
+constexpr std::string_view VERDICT_LABEL = R"(<div class="k">Overall Verdict</div>)";
+constexpr std::string_view VALUE_START = R"(<div class="v">)";
+constexpr std::string_view VALUE_END = "</div>";
+constexpr std::string_view PASS_WORD = "PASS";
+constexpr std::string_view ERROR_WORD = "ERROR";
+constexpr std::string_view RUN_ERROR_START = R"(<p class="run-error">)";
+constexpr std::string_view RUN_ERROR_END = "</p>";
+constexpr std::string_view TAB_BAR_START = R"(<nav class="nav-tabs">)";
+constexpr std::string_view TAB_BAR_END = "</nav>";
 constexpr std::string_view TAB_START = "<a ";
 constexpr std::string_view TAB_END = "</a>";
 constexpr std::string_view FAILED_MARK = " data-fail";
 constexpr std::string_view NON_GATING_MARK = " data-nongating";
-constexpr char MODE_LABEL[] = "<div class=\"k\">Analysis Mode</div>\n";
-constexpr char SUB_MODE_START[] = "<div class=\"kpi-sub\">";
-constexpr char VALUE_END[] = "</div>";
+constexpr std::string_view MODE_LABEL = R"(<div class="k">Analysis Mode</div>)"
+                                        "\n";
+constexpr std::string_view SUB_MODE_START = R"(<div class="kpi-sub">)";
 
-// Length of a marker, its NUL not counted.
-template <std::size_t SIZE>
-constexpr std::size_t length_of(const char (&)[SIZE])
+bool starts_with(const char* text, std::string_view marker)
 {
-    return SIZE - 1;
-}
-
-template <std::size_t SIZE>
-bool starts_with(const char* text, const char (&marker)[SIZE])
-{
-    return std::strncmp(text, marker, length_of(marker)) == 0;
+    return std::strncmp(text, marker.data(), marker.size()) == 0;
 }
 
 // The verdict label in text, or null. A page that is no report is searched to its
@@ -46,8 +40,8 @@ bool starts_with(const char* text, const char (&marker)[SIZE])
 const char* find_verdict_label(const char* text)
 {
     constexpr char RARE = 'O';
-    constexpr std::size_t RARE_OFFSET = std::string_view(VERDICT_LABEL).find(RARE);
-    static_assert(RARE_OFFSET < length_of(VERDICT_LABEL));
+    constexpr std::size_t RARE_OFFSET = VERDICT_LABEL.find(RARE);
+    static_assert(RARE_OFFSET < VERDICT_LABEL.size());
 
     for (const char* at = std::strchr(text, RARE); at != nullptr; at = std::strchr(at + 1, RARE)) {
         if (static_cast<std::size_t>(at - text) >= RARE_OFFSET &&
@@ -60,11 +54,10 @@ const char* find_verdict_label(const char* text)
 
 // The byte behind the first marker in text, or null. The document's NUL bounds
 // the search, so its length need not be known.
-template <std::size_t SIZE>
-const char* find_behind(const char* text, const char (&marker)[SIZE])
+const char* find_behind(const char* text, std::string_view marker)
 {
-    const char* found = std::strstr(text, marker);
-    return found != nullptr ? found + length_of(marker) : nullptr;
+    const char* found = std::strstr(text, marker.data());
+    return found != nullptr ? found + marker.size() : nullptr;
 }
 
 // Stores text, cut to what fits, exactly as the report spells it.
@@ -90,7 +83,7 @@ void init_entry(ReportEntry& entry, const char* relative_path)
 void read_run_error(const char* document, ReportEntry& entry)
 {
     const char* text = find_behind(document, RUN_ERROR_START);
-    const char* end = text != nullptr ? std::strstr(text, RUN_ERROR_END) : nullptr;
+    const char* end = text != nullptr ? std::strstr(text, RUN_ERROR_END.data()) : nullptr;
     if (end != nullptr) {
         html_copy_decoded(entry.error, text, end, REPORT_ERROR_SIZE - 1);
     }
@@ -100,8 +93,8 @@ void read_run_error(const char* document, ReportEntry& entry)
 // is none or it never ends.
 std::string_view find_tab_bar(const char* document)
 {
-    const char* start = std::strstr(document, TAB_BAR_START);
-    const char* end = start != nullptr ? std::strstr(start, TAB_BAR_END) : nullptr;
+    const char* start = std::strstr(document, TAB_BAR_START.data());
+    const char* end = start != nullptr ? std::strstr(start, TAB_BAR_END.data()) : nullptr;
     return end != nullptr ? std::string_view(start, end) : std::string_view();
 }
 
@@ -140,7 +133,8 @@ bool has_mark(const Tab& tab, std::string_view mark)
     return tab.opening_tag.find(mark) != std::string_view::npos;
 }
 
-// Stops when either list is full, even if the other has room: that is meant.
+// Stops when either list is full, even if the other has room, so that no failing tab is
+// left out between two that are listed.
 void read_check_tabs(const char* document, ReportEntry& entry)
 {
     std::string_view rest = find_tab_bar(document);
@@ -160,19 +154,18 @@ void read_check_tabs(const char* document, ReportEntry& entry)
 
 // Stores the text of the element that begins at text with the given tag.
 // Returns the byte behind the element, or null when there is no such element.
-template <std::size_t SIZE>
-const char* read_value(const char* text, const char (&tag)[SIZE], char (&field)[REPORT_TEXT_SIZE])
+const char* read_value(const char* text, std::string_view tag, char (&field)[REPORT_TEXT_SIZE])
 {
     if (!starts_with(text, tag)) {
         return nullptr;
     }
-    const char* value = text + length_of(tag);
-    const char* end = std::strstr(value, VALUE_END);
+    const char* value = text + tag.size();
+    const char* end = std::strstr(value, VALUE_END.data());
     if (end == nullptr) {
         return nullptr;
     }
     store(field, {value, end});
-    return end + length_of(VALUE_END);
+    return end + VALUE_END.size();
 }
 
 void read_analysis_mode(const char* document, ReportEntry& entry)
@@ -230,7 +223,7 @@ void read_analyze_report(const char* full_path, const char* relative_path, Repor
     init_entry(entry, relative_path);
     char* document = nullptr;
     if (read_whole_file(full_path, document)) {
-        scrape_analyze_report(document, relative_path, entry);
+        scrape(document, entry);
         std::free(document);
     }
 }

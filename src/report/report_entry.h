@@ -46,3 +46,16 @@ struct ReportEntry
     std::uint64_t non_gating_check_count;
     char error[REPORT_ERROR_SIZE]; // character references decoded
 };
+
+// What an entry came to. Whoever asks names every outcome in a switch without default,
+// so that the compiler finds all places to which a new one matters.
+enum class Outcome
+{
+    Passed,
+    Failed,
+    Errored,    // the run that it reports on ended in an error
+    NoReport,   // some other page, or an unknown kind
+    Unreadable, // could not be read
+};
+
+[[nodiscard]] Outcome outcome_of(const ReportEntry& entry);

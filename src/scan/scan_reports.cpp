@@ -1,21 +1,16 @@
 #include "scan/scan_reports.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include "core/append_all.h"
 #include "core/paths.h"
 
 namespace {
-
-// A path that grows at its end, always NUL-terminated.
-struct PathText
-{
-    char text[PATH_BUFFER_SIZE];
-    std::size_t length;
-};
 
 // A folder whose listing is open.
 struct Level
@@ -33,8 +28,10 @@ constexpr std::size_t MAX_LEVELS = PATH_BUFFER_SIZE / 2;
 
 struct Walk
 {
-    PathText full;              // the entry at hand, as system calls take it
-    PathText relative;          // the same, as the list takes it
+    char full_bytes[PATH_BUFFER_SIZE];
+    char relative_bytes[PATH_BUFFER_SIZE];
+    BoundedText full;           // the entry at hand, as system calls take it
+    BoundedText relative;       // the same, as the list takes it
     const char* canonical_page; // null: nothing is skipped
     std::string_view page_name; // its last component
     FileList* list;
@@ -49,34 +46,21 @@ enum class EntryUse
     List
 };
 
-// False: the text does not fit; the path is as before.
-bool append(PathText& path, std::string_view text)
-{
-    if (path.length + text.size() >= sizeof path.text) {
-        return false;
-    }
-    std::memcpy(path.text + path.length, text.data(), text.size());
-    path.length += text.size();
-    path.text[path.length] = '\0';
-    return true;
-}
-
 // Sets both paths to those of the entry called name in the innermost folder.
 // False: one of them grows too long.
 bool set_paths(Walk& walk, const Level& level, std::string_view name)
 {
     walk.full.length = level.folder_length;
     walk.relative.length = level.relative_length;
-    return append(walk.full, "/") && append(walk.full, name) &&
-           (level.relative_length == 0 || append(walk.relative, "/")) &&
-           append(walk.relative, name);
+    return append_all(walk.full, "/", name) &&
+           append_all(walk.relative, level.relative_length == 0 ? "" : "/", name);
 }
 
 // Opens the folder that both paths name as the new innermost level.
 // False: it cannot be opened.
 bool enter(Walk& walk)
 {
-    DIR* listing = opendir(walk.full.text);
+    DIR* listing = opendir(walk.full.data);
     if (listing == nullptr) {
         return false;
     }
@@ -90,20 +74,14 @@ void leave(Walk& walk)
     closedir(walk.levels[--walk.depth].listing);
 }
 
+// Whether name ends in ending, A to Z and a to z being the same. The ending is in lower
+// case.
 bool ends_in(std::string_view name, std::string_view ending)
 {
-    if (name.size() < ending.size()) {
-        return false;
-    }
-    name.remove_prefix(name.size() - ending.size());
-    for (std::size_t i = 0; i < ending.size(); ++i) {
-        const char c = name[i];
-        const char folded = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-        if (folded != ending[i]) {
-            return false;
-        }
-    }
-    return true;
+    return name.size() >= ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char c) {
+               return wanted == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+           });
 }
 
 bool is_report_name(std::string_view name)
@@ -133,7 +111,7 @@ EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view 
         return listable ? EntryUse::List : EntryUse::Skip;
     }
     struct stat status = {};
-    if (stat(walk.full.text, &status) != 0) {
+    if (stat(walk.full.data, &status) != 0) {
         return EntryUse::Skip;
     }
     level.searchable = true;
@@ -152,7 +130,7 @@ bool is_page(const Walk& walk, unsigned char type, std::string_view name)
         return false;
     }
     char canonical[PATH_BUFFER_SIZE];
-    return resolve_path(walk.full.text, canonical, sizeof canonical) &&
+    return resolve_path(walk.full.data, canonical, sizeof canonical) &&
            std::strcmp(canonical, walk.canonical_page) == 0;
 }
 
@@ -173,8 +151,7 @@ bool visit(Walk& walk, const dirent& entry)
     case EntryUse::List:
         break;
     }
-    return is_page(walk, entry.d_type, name) ||
-           file_list_append(*walk.list, {walk.relative.text, walk.relative.length});
+    return is_page(walk, entry.d_type, name) || file_list_append(*walk.list, walk.relative.data);
 }
 
 bool is_listable(const char* folder)
@@ -204,8 +181,8 @@ bool scan_directory(const char* folder, const char* prefix, const char* canonica
                     FileList& list)
 {
     Walk walk;
-    walk.full.length = 0;
-    walk.relative.length = 0;
+    walk.full = {walk.full_bytes, sizeof walk.full_bytes, 0};
+    walk.relative = {walk.relative_bytes, sizeof walk.relative_bytes, 0};
     walk.list = &list;
     walk.depth = 0;
     walk.canonical_page = canonical_page;
@@ -214,7 +191,8 @@ bool scan_directory(const char* folder, const char* prefix, const char* canonica
         walk.page_name.remove_prefix(walk.page_name.rfind('/') + 1);
     }
     // A folder whose path is too long to be kept is too long for the system, too.
-    if (!append(walk.full, folder) || !append(walk.relative, prefix) || !enter(walk)) {
+    if (!bounded_text_append(walk.full, folder) || !bounded_text_append(walk.relative, prefix) ||
+        !enter(walk)) {
         return true;
     }
     bool has_memory = true;

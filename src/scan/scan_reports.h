@@ -8,8 +8,8 @@
 // PATH_BUFFER_SIZE - 1 characters or the system refuses to follow more links.
 // Hidden entries count like any other.
 //
-// Skipped without a word: entries that cannot be examined (a dangling link), whose
-// path grows too long, and folders that cannot be opened.
+// Entries that cannot be examined (a dangling link) or whose path grows too long and
+// folders that cannot be opened are skipped; that fails nothing.
 
 #pragma once
 

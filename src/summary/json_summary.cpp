@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "core/append_all.h"
 #include "core/files.h"
 #include "core/replaced_text.h"
 
@@ -9,10 +10,7 @@ namespace {
 
 constexpr std::size_t CONTROL_COUNT = 0x20; // bytes below the space
 
-struct UnicodeEscape
-{
-    char text[7]; // such as "\u001f", and a NUL
-};
+using UnicodeEscape = std::array<char, 7>; // such as "\u001f", and a NUL
 
 // Those of the control characters, by their numbers.
 constexpr std::array<UnicodeEscape, CONTROL_COUNT> make_unicode_escapes()
@@ -20,7 +18,7 @@ constexpr std::array<UnicodeEscape, CONTROL_COUNT> make_unicode_escapes()
     constexpr std::string_view DIGITS = "0123456789abcdef";
     std::array<UnicodeEscape, CONTROL_COUNT> escapes = {};
     for (std::size_t byte = 0; byte < CONTROL_COUNT; ++byte) {
-        escapes[byte] = {{'\\', 'u', '0', '0', DIGITS[byte / 16], DIGITS[byte % 16], '\0'}};
+        escapes[byte] = {'\\', 'u', '0', '0', DIGITS[byte / 16], DIGITS[byte % 16], '\0'};
     }
     return escapes;
 }
@@ -32,7 +30,7 @@ constexpr ByteReplacements make_replacements()
 {
     ByteReplacements replacements = {};
     for (std::size_t byte = 0; byte < CONTROL_COUNT; ++byte) {
-        set_replacement(replacements, static_cast<char>(byte), UNICODE_ESCAPES[byte].text);
+        set_replacement(replacements, static_cast<char>(byte), UNICODE_ESCAPES[byte].data());
     }
     set_replacement(replacements, '\t', "\\t");
     set_replacement(replacements, '\n', "\\n");
@@ -44,92 +42,107 @@ constexpr ByteReplacements make_replacements()
 
 constexpr ByteReplacements REPLACEMENTS = make_replacements();
 
-bool append_quoted(TextBuffer& buffer, std::string_view text)
+struct Quoted
 {
-    return text_buffer_append_char(buffer, '"') && json_append_escaped(buffer, text) &&
+    std::string_view text;
+};
+
+bool append_part(TextBuffer& buffer, Quoted piece)
+{
+    return text_buffer_append_char(buffer, '"') && json_append_escaped(buffer, piece.text) &&
            text_buffer_append_char(buffer, '"');
 }
 
-const char* verdict_of(const ReportEntry& entry)
+// A report's verdict or, for other files, the reason why they are none.
+const char* word_for(Outcome outcome)
 {
-    if (entry.kind == ReportKind::RunError) {
+    switch (outcome) {
+    case Outcome::Passed:
+        return "PASS";
+    case Outcome::Failed:
+        return "FAIL";
+    case Outcome::Errored:
         return "ERROR";
+    case Outcome::Unreadable:
+        return "unreadable";
+    case Outcome::NoReport:
+        break;
     }
-    return entry.passed != 0 ? "PASS" : "FAIL";
+    return "not_analyze_report";
 }
 
-const char* reason_of(const ReportEntry& entry)
+constexpr char COUNTS[] = R"(,
+    "total_reports": %ju,
+    "passed": %ju,
+    "failed": %ju,
+    "errored": %ju,
+    "reports": [
+)";
+
+// Each member of a report's object stands on a line of its own.
+bool append_key(TextBuffer& buffer, std::string_view key)
 {
-    return entry.kind == ReportKind::Unreadable ? "unreadable" : "not_analyze_report";
+    return append_all(buffer, ",\n            ", Quoted{key}, ": ");
 }
 
-bool append_header(TextBuffer& buffer, const SummaryModel& model)
+bool append_member(TextBuffer& buffer, std::string_view key, std::string_view value)
 {
-    const SummaryTally tally = tally_entries(model.entries, model.count);
-    return text_buffer_append(buffer, "{\n    \"scanned_directory\": ") &&
-           append_quoted(buffer, model.input_dir) &&
-           text_buffer_appendf(buffer,
-                               ",\n"
-                               "    \"total_reports\": %zu,\n"
-                               "    \"passed\": %zu,\n"
-                               "    \"failed\": %zu,\n"
-                               "    \"errored\": %zu,\n",
-                               std::size_t{total_reports(tally)}, std::size_t{tally.passed},
-                               std::size_t{tally.failed}, std::size_t{tally.errored});
+    return append_key(buffer, key) && append_part(buffer, Quoted{value});
 }
 
 bool append_report(TextBuffer& buffer, const ReportEntry& entry)
 {
-    return text_buffer_append(buffer, "        {\n            \"relative_path\": ") &&
-           append_quoted(buffer, entry.relative_path) &&
-           text_buffer_append(buffer, ",\n            \"verdict\": ") &&
-           append_quoted(buffer, verdict_of(entry)) &&
-           text_buffer_append(buffer, ",\n            \"analysis_mode\": ") &&
-           append_quoted(buffer, entry.analysis_mode) &&
-           text_buffer_append(buffer, ",\n            \"analysis_mode_sub\": ") &&
-           append_quoted(buffer, entry.analysis_mode_sub) &&
-           text_buffer_append(buffer, ",\n            \"failed_checks\": ") &&
+    return append_all(buffer, "        {\n            ", Quoted{"relative_path"}, ": ",
+                      Quoted{entry.relative_path}) &&
+           append_member(buffer, "verdict", word_for(outcome_of(entry))) &&
+           append_member(buffer, "analysis_mode", entry.analysis_mode) &&
+           append_member(buffer, "analysis_mode_sub", entry.analysis_mode_sub) &&
+           append_key(buffer, "failed_checks") &&
            json_append_string_array(buffer, entry.failed_checks, entry.failed_check_count) &&
-           text_buffer_append(buffer, ",\n            \"non_gating_checks\": ") &&
+           append_key(buffer, "non_gating_checks") &&
            json_append_string_array(buffer, entry.non_gating_checks,
                                     entry.non_gating_check_count) &&
-           text_buffer_append(buffer, ",\n            \"error\": ") &&
-           append_quoted(buffer, entry.error) && text_buffer_append(buffer, "\n        }");
+           append_member(buffer, "error", entry.error) && text_buffer_append(buffer, "\n        }");
 }
 
 bool append_other_file(TextBuffer& buffer, const ReportEntry& entry)
 {
-    return text_buffer_append(buffer, "        { \"relative_path\": ") &&
-           append_quoted(buffer, entry.relative_path) &&
-           text_buffer_append(buffer, ", \"reason\": ") &&
-           append_quoted(buffer, reason_of(entry)) && text_buffer_append(buffer, " }");
+    return append_all(buffer, R"(        { "relative_path": )", Quoted{entry.relative_path},
+                      R"(, "reason": )", Quoted{word_for(outcome_of(entry))}, " }");
 }
 
-// Appends the array of either the reports or the other files, element by element.
-// An empty array's bracket stands at the start of its line: that is meant.
-bool append_array(TextBuffer& buffer, const SummaryModel& model, bool of_reports)
+// Appends the elements of those entries that belong to an array, and its end. Who reads
+// the file line by line knows an empty array by the bracket at the start of its line.
+bool append_array(TextBuffer& buffer, const SummaryModel& model,
+                  bool (*belongs)(const ReportEntry&),
+                  bool (*append_element)(TextBuffer&, const ReportEntry&))
 {
-    bool is_empty = true;
-    for (std::uint64_t i = 0; i < model.count; ++i) {
-        const ReportEntry& entry = model.entries[i];
-        if (is_report(entry) != of_reports) {
-            continue;
+    std::string_view separator = "";
+    bool complete = true;
+    for (std::uint64_t i = 0; complete && i < model.count; ++i) {
+        if (belongs(model.entries[i])) {
+            complete =
+                text_buffer_append(buffer, separator) && append_element(buffer, model.entries[i]);
+            separator = ",\n";
         }
-        if ((!is_empty && !text_buffer_append(buffer, ",\n")) ||
-            !(of_reports ? append_report(buffer, entry) : append_other_file(buffer, entry))) {
-            return false;
-        }
-        is_empty = false;
     }
-    return text_buffer_append(buffer, is_empty ? "]" : "\n    ]");
+    return complete && text_buffer_append(buffer, separator.empty() ? "]" : "\n    ]");
 }
 
 bool append_document(TextBuffer& buffer, const SummaryModel& model)
 {
-    return append_header(buffer, model) && text_buffer_append(buffer, "    \"reports\": [\n") &&
-           append_array(buffer, model, true) &&
-           text_buffer_append(buffer, ",\n    \"other_files\": [\n") &&
-           append_array(buffer, model, false) && text_buffer_append(buffer, "\n}\n");
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    return append_all(buffer, "{\n    ", Quoted{"scanned_directory"}, ": ",
+                      Quoted{model.input_dir}) &&
+           text_buffer_appendf(buffer, COUNTS, std::uintmax_t{total_reports(tally)},
+                               std::uintmax_t{tally.passed}, std::uintmax_t{tally.failed},
+                               std::uintmax_t{tally.errored}) &&
+           append_array(buffer, model, is_report, append_report) &&
+           append_all(buffer, ",\n    ", Quoted{"other_files"}, ": [\n") &&
+           append_array(
+               buffer, model, [](const ReportEntry& entry) { return !is_report(entry); },
+               append_other_file) &&
+           text_buffer_append(buffer, "\n}\n");
 }
 
 } // namespace
@@ -152,13 +165,9 @@ bool json_append_escaped(TextBuffer& buffer, std::string_view text)
 bool json_append_string_array(TextBuffer& buffer, const char (*first_slot)[REPORT_TEXT_SIZE],
                               std::uint64_t count)
 {
-    if (!text_buffer_append_char(buffer, '[')) {
-        return false;
+    bool complete = text_buffer_append_char(buffer, '[');
+    for (std::uint64_t i = 0; complete && i < count; ++i) {
+        complete = append_all(buffer, i > 0 ? ", " : "", Quoted{first_slot[i]});
     }
-    for (std::uint64_t i = 0; i < count; ++i) {
-        if ((i > 0 && !text_buffer_append(buffer, ", ")) || !append_quoted(buffer, first_slot[i])) {
-            return false;
-        }
-    }
-    return text_buffer_append_char(buffer, ']');
+    return complete && text_buffer_append_char(buffer, ']');
 }

@@ -1,4 +1,4 @@
-// The four fixed texts of the page. Their sources are the files beside this one
+// The fixed texts of every page. Their sources are the files beside this one
 // (page_styles.css, theme_toggle.html, theme_script.js, pager_script.js), which
 // the build turns into constants byte for byte.
 //

@@ -1,38 +1,23 @@
 #include "summary/report_links.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "core/append_all.h"
 #include "report/html_escape.h"
 
 namespace {
 
-// The folder part of the page's path. Only "/" ends a folder here, although the
-// folders above the page are created at each "\", too: that is meant.
+// The folder part of the page's path, cut to what a path may have. Only "/" ends a
+// folder here, as it does for the system that opens the page: a "\" is part of a name
+// to it, although the folders above the page are created at each "\", too.
 std::string_view folder_of(std::string_view output_path)
 {
     const std::size_t slash = output_path.rfind('/');
     if (slash == std::string_view::npos) {
         return ".";
     }
-    return slash == 0 ? "/" : output_path.substr(0, std::min(slash, PATH_BUFFER_SIZE - 1));
-}
-
-// Writes the absolute path of a report to joined (LONG_PATH_BUFFER_SIZE bytes).
-// False: it does not fit.
-bool join_report_path(const ResultsLinkContext& context, std::string_view relative_path,
-                      char* joined, std::string_view& path)
-{
-    const std::string_view folder = context.scanned_directory;
-    const std::size_t length = folder.size() + 1 + relative_path.size();
-    if (length >= LONG_PATH_BUFFER_SIZE) {
-        return false;
-    }
-    std::memcpy(joined, folder.data(), folder.size());
-    joined[folder.size()] = '/';
-    std::memcpy(joined + folder.size() + 1, relative_path.data(), relative_path.size());
-    path = {joined, length};
-    return true;
+    return slash == 0 ? "/"
+                      : output_path.substr(0, std::min<std::size_t>(slash, PATH_BUFFER_SIZE - 1));
 }
 
 } // namespace
@@ -40,12 +25,11 @@ bool join_report_path(const ResultsLinkContext& context, std::string_view relati
 void make_results_link_context(const char* input_dir, std::string_view output_path,
                                ResultsLinkContext& context)
 {
-    char folder[PATH_BUFFER_SIZE];
-    const std::string_view text = folder_of(output_path);
-    std::memcpy(folder, text.data(), text.size());
-    folder[text.size()] = '\0';
+    char bytes[PATH_BUFFER_SIZE];
+    BoundedText folder = {bytes, sizeof bytes, 0};
     context.links_relative =
-        resolve_path(folder, context.output_folder, sizeof context.output_folder) &&
+        bounded_text_append(folder, folder_of(output_path)) &&
+        resolve_path(folder.data, context.output_folder, sizeof context.output_folder) &&
         resolve_path(input_dir, context.scanned_directory, sizeof context.scanned_directory);
 }
 
@@ -54,11 +38,12 @@ void make_results_link_context(const char* input_dir, std::string_view output_pa
 bool append_link_target(TextBuffer& buffer, const ReportEntry& entry,
                         const ResultsLinkContext& context)
 {
-    char joined[LONG_PATH_BUFFER_SIZE];
+    char bytes[LONG_PATH_BUFFER_SIZE];
     char link[LONG_PATH_BUFFER_SIZE];
-    std::string_view path;
-    const bool is_relative = context.links_relative &&
-                             join_report_path(context, entry.relative_path, joined, path) &&
-                             make_relative_path(context.output_folder, path, link, sizeof link);
+    BoundedText path = {bytes, sizeof bytes, 0};
+    const bool is_relative =
+        context.links_relative &&
+        append_all(path, context.scanned_directory, "/", entry.relative_path) &&
+        make_relative_path(context.output_folder, path.data, link, sizeof link);
     return html_append_escaped(buffer, is_relative ? link : entry.relative_path);
 }

@@ -1,99 +1,86 @@
 #include "summary/report_tables.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 
+#include "core/append_all.h"
 #include "core/paths.h"
 #include "report/html_escape.h"
 #include "summary/sorted_view.h"
 
 namespace {
 
-constexpr char SECTION_START[] = "<section class=\"card\" id=\"results\">\n"
-                                 "<div class=\"card-head\">\n"
-                                 "<div class=\"htext\"><h3>Results</h3></div>\n"
-                                 "</div>\n"
-                                 "<div class=\"card-body\">\n";
+constexpr char SECTION_START[] = R"(<section class="card" id="results">
+<div class="card-head">
+<div class="htext"><h3>Results</h3></div>
+</div>
+<div class="card-body">
+)";
 
-constexpr char SECTION_END[] = "</div>\n"
-                               "</section>\n";
+constexpr char TABLE_START[] = R"(<div class="overflow-x">
+<table class="dt dt-numbered")";
 
-constexpr char ERRORED_TITLE[] = "<p class=\"compare-table-title\">Errored</p>\n";
-constexpr char FAILED_TITLE[] = "<p class=\"compare-table-title\">Failed</p>\n";
-constexpr char PASSED_TITLE[] = "<p class=\"compare-table-title\">Passed</p>\n";
+constexpr char ERRORED_HEADER[] = R"(>
+<thead>
+<tr><th>#</th><th>Test Case</th><th>Verdict</th><th style="text-align:left">Reason</th></tr>
+</thead>
+<tbody>
+)";
 
-constexpr char TABLE_START[] = "<div class=\"overflow-x\">\n"
-                               "<table class=\"dt dt-numbered\"";
-
-constexpr char ERRORED_HEADER[] = ">\n<thead>\n"
-                                  "<tr><th>#</th><th>Test Case</th><th>Verdict</th>"
-                                  "<th style=\"text-align:left\">Reason</th></tr>\n"
-                                  "</thead>\n<tbody>\n";
-
-constexpr char ANALYZED_HEADER[] =
-    ">\n<thead>\n"
-    "<tr><th>#</th><th>Test Case</th><th>Analysis Mode</th><th>Verdict</th>"
-    "<th>Failed Checks</th></tr>\n"
-    "</thead>\n<tbody>\n";
-
-constexpr char TABLE_END[] = "</tbody>\n"
-                             "</table></div>\n";
+constexpr char ANALYZED_HEADER[] = R"(>
+<thead>
+<tr><th>#</th><th>Test Case</th><th>Analysis Mode</th><th>Verdict</th><th>Failed Checks</th></tr>
+</thead>
+<tbody>
+)";
 
 // Stands right behind the table's wrapper, where the pager script looks for it.
-constexpr char PAGER[] = "<div class=\"dt-pager\">\n"
-                         "<button type=\"button\" data-dt-prev>Prev</button>\n"
-                         "<span class=\"dt-pager-status\"></span>\n"
-                         "<button type=\"button\" data-dt-next>Next</button>\n"
-                         "</div>\n";
+constexpr char PAGER[] = R"(<div class="dt-pager">
+<button type="button" data-dt-prev>Prev</button>
+<span class="dt-pager-status"></span>
+<button type="button" data-dt-next>Next</button>
+</div>
+)";
 
-constexpr char OTHER_FILES_START[] =
-    "<section class=\"card\" id=\"other-files\">\n"
-    "<div class=\"card-head\">\n"
-    "<div class=\"htext\"><h3>Other Files</h3>"
-    "<span class=\"sub\">scanned, but not a fathomix analyze report</span></div>\n"
-    "</div>\n"
-    "<div class=\"card-body\">\n"
-    "<div class=\"overflow-x\"><table class=\"dt\"><tr><th>Path</th></tr>\n";
-
-constexpr char OTHER_FILES_END[] = "</table></div>\n"
-                                   "</div>\n"
-                                   "</section>\n";
+constexpr char OTHER_FILES_START[] = R"(<section class="card" id="other-files">
+<div class="card-head">
+<div class="htext"><h3>Other Files</h3><span class="sub">scanned, but not a fathomix analyze report</span></div>
+</div>
+<div class="card-body">
+<div class="overflow-x"><table class="dt"><tr><th>Path</th></tr>
+)";
 
 constexpr char NOTHING_TO_SHOW[] = "&mdash;";
-constexpr char SIDE_NOTE_START[] = "<span style=\"color:var(--muted);font-size:0.85em\">";
-constexpr char SIDE_NOTE_END[] = "</span>";
+constexpr char SIDE_NOTE_START[] = R"(<span style="color:var(--muted);font-size:0.85em">)";
 
 // Case matters here, although the walk finds a report with any case of the ending.
 std::string_view display_name(std::string_view path)
 {
-    if (path.ends_with(".html")) {
-        path.remove_suffix(5);
-    } else if (path.ends_with(".htm")) {
-        path.remove_suffix(4);
-    }
-    return path.substr(0, PATH_BUFFER_SIZE - 1);
+    return without_ending(path, {".html", ".htm"}).substr(0, PATH_BUFFER_SIZE - 1);
 }
 
-bool append_row_start(TextBuffer& buffer, const ReportEntry& entry,
-                      const ResultsLinkContext& context, std::uint64_t& row_counter)
+// What all rows of the page share.
+struct Rows
 {
-    ++row_counter;
-    return text_buffer_append(buffer, "<tr><td>") &&
-           text_buffer_append_number(buffer, row_counter) &&
-           text_buffer_append(buffer, "</td><td><a href=\"") &&
-           append_link_target(buffer, entry, context) && text_buffer_append(buffer, "\">") &&
-           html_append_escaped_path(buffer, display_name(entry.relative_path));
+    const ResultsLinkContext& links;
+    std::uint64_t& counter; // rows so far
+};
+
+bool append_row_start(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
+{
+    return append_all(buffer, "<tr><td>", ++rows.counter, R"(</td><td><a href=")") &&
+           append_link_target(buffer, entry, rows.links) &&
+           append_all(buffer, R"(">)", EscapedPath{display_name(entry.relative_path)},
+                      "</a></td><td>");
 }
 
-bool append_errored_row(TextBuffer& buffer, const ReportEntry& entry,
-                        const ResultsLinkContext& context, std::uint64_t& row_counter)
+bool append_errored_row(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
 {
-    return append_row_start(buffer, entry, context, row_counter) &&
-           text_buffer_append(buffer, "</a></td><td><span class=\"badge fail\">ERROR</span></td>"
-                                      "<td style=\"text-align:left\">") &&
-           (entry.error[0] != '\0' ? html_append_escaped(buffer, entry.error)
-                                   : text_buffer_append(buffer, NOTHING_TO_SHOW)) &&
-           text_buffer_append(buffer, "</td></tr>\n");
+    return append_row_start(buffer, entry, rows) &&
+           append_all(buffer, R"(<span class="badge fail">ERROR</span></td>)",
+                      R"(<td style="text-align:left">)", Escaped{entry.error},
+                      entry.error[0] == '\0' ? NOTHING_TO_SHOW : "", "</td></tr>\n");
 }
 
 // Without a mode the sub-mode is not shown even if it is set.
@@ -102,107 +89,100 @@ bool append_mode_cell(TextBuffer& buffer, const ReportEntry& entry)
     if (entry.analysis_mode[0] == '\0') {
         return text_buffer_append(buffer, NOTHING_TO_SHOW);
     }
-    return html_append_escaped(buffer, entry.analysis_mode) &&
-           (entry.analysis_mode_sub[0] == '\0' ||
-            (text_buffer_append(buffer, " ") && text_buffer_append(buffer, SIDE_NOTE_START) &&
-             text_buffer_append(buffer, "&middot; ") &&
-             html_append_escaped(buffer, entry.analysis_mode_sub) &&
-             text_buffer_append(buffer, SIDE_NOTE_END)));
+    if (entry.analysis_mode_sub[0] == '\0') {
+        return html_append_escaped(buffer, entry.analysis_mode);
+    }
+    return append_all(buffer, Escaped{entry.analysis_mode}, " ", SIDE_NOTE_START, "&middot; ",
+                      Escaped{entry.analysis_mode_sub}, "</span>");
 }
 
-bool append_names(TextBuffer& buffer, const char (*names)[REPORT_TEXT_SIZE], std::uint64_t count)
+struct Names
 {
-    for (std::uint64_t i = 0; i < count; ++i) {
-        if ((i > 0 && !text_buffer_append(buffer, ", ")) ||
-            !html_append_escaped(buffer, names[i])) {
-            return false;
-        }
+    const char (*slots)[REPORT_TEXT_SIZE];
+    std::uint64_t count;
+};
+
+bool append_part(TextBuffer& buffer, Names names)
+{
+    bool complete = true;
+    for (std::uint64_t i = 0; complete && i < names.count; ++i) {
+        complete = append_all(buffer, i > 0 ? ", " : "", Escaped{names.slots[i]});
     }
-    return true;
+    return complete;
 }
 
 bool append_checks_cell(TextBuffer& buffer, const ReportEntry& entry)
 {
-    const std::uint64_t failed = entry.failed_check_count;
-    const std::uint64_t non_gating = entry.non_gating_check_count;
-    if (failed == 0 && non_gating == 0) {
+    const Names failed = {entry.failed_checks, entry.failed_check_count};
+    const Names non_gating = {entry.non_gating_checks, entry.non_gating_check_count};
+    if (failed.count == 0 && non_gating.count == 0) {
         return text_buffer_append(buffer, NOTHING_TO_SHOW);
     }
-    if (!append_names(buffer, entry.failed_checks, failed)) {
-        return false;
+    if (non_gating.count == 0) {
+        return append_part(buffer, failed);
     }
-    return non_gating == 0 || ((failed == 0 || text_buffer_append(buffer, "<br>")) &&
-                               text_buffer_append(buffer, SIDE_NOTE_START) &&
-                               text_buffer_append(buffer, "Not gating: ") &&
-                               append_names(buffer, entry.non_gating_checks, non_gating) &&
-                               text_buffer_append(buffer, SIDE_NOTE_END));
+    return append_all(buffer, failed, failed.count > 0 ? "<br>" : "", SIDE_NOTE_START,
+                      "Not gating: ", non_gating, "</span>");
 }
 
-bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry,
-                         const ResultsLinkContext& context, std::uint64_t& row_counter)
+bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
 {
-    return append_row_start(buffer, entry, context, row_counter) &&
-           text_buffer_append(buffer, "</a></td><td>") && append_mode_cell(buffer, entry) &&
-           text_buffer_append(buffer, "</td><td>") &&
-           text_buffer_append(buffer, entry.passed != 0
-                                          ? "<span class=\"badge pass\">PASS</span>"
-                                          : "<span class=\"badge fail\">FAIL</span>") &&
-           text_buffer_append(buffer, "</td><td>") && append_checks_cell(buffer, entry) &&
-           text_buffer_append(buffer, "</td></tr>\n");
+    const char* badge = outcome_of(entry) == Outcome::Passed
+                            ? R"(<span class="badge pass">PASS</span>)"
+                            : R"(<span class="badge fail">FAIL</span>)";
+    return append_row_start(buffer, entry, rows) && append_mode_cell(buffer, entry) &&
+           append_all(buffer, "</td><td>", badge, "</td><td>") &&
+           append_checks_cell(buffer, entry) && text_buffer_append(buffer, "</td></tr>\n");
 }
 
-// Opens a table of so many rows; the page size makes it one to be paged.
-bool append_table_start(TextBuffer& buffer, std::uint64_t rows, const char* header)
+using Reports = std::span<const ReportEntry* const>; // in the order of the page's rows
+
+// Appends a table of the `length` reports that belong to it.
+template <typename Belongs, typename AppendRow>
+bool append_table(TextBuffer& buffer, const char* header, Reports reports, std::uint64_t length,
+                  Belongs belongs, AppendRow append_row, const Rows& rows)
 {
+    const bool is_paged = length > TABLE_PAGE_SIZE;
     return text_buffer_append(buffer, TABLE_START) &&
-           (rows <= TABLE_PAGE_SIZE ||
-            text_buffer_appendf(buffer, " data-page-size=\"%d\"", int{TABLE_PAGE_SIZE})) &&
-           text_buffer_append(buffer, header);
+           (!is_paged || append_all(buffer, R"( data-page-size=")", TABLE_PAGE_SIZE, R"(")")) &&
+           text_buffer_append(buffer, header) &&
+           std::all_of(reports.begin(), reports.end(),
+                       [&](const ReportEntry* report) {
+                           return !belongs(report) || append_row(buffer, *report, rows);
+                       }) &&
+           append_all(buffer, "</tbody>\n</table></div>\n", is_paged ? PAGER : "");
 }
 
-bool append_table_end(TextBuffer& buffer, std::uint64_t rows)
+bool append_title(TextBuffer& buffer, std::string_view title)
 {
-    return text_buffer_append(buffer, TABLE_END) &&
-           (rows <= TABLE_PAGE_SIZE || text_buffer_append(buffer, PAGER));
+    return append_all(buffer, R"(<p class="compare-table-title">)", title, "</p>\n");
 }
 
-bool append_errored_table(TextBuffer& buffer, const SortedView& view, std::uint64_t errored,
-                          const ResultsLinkContext& context, std::uint64_t& row_counter)
-{
-    if (!append_table_start(buffer, errored, ERRORED_HEADER)) {
-        return false;
-    }
-    for (std::uint64_t i = 0; i < view.length; ++i) {
-        if (view.entries[i]->kind == ReportKind::RunError &&
-            !append_errored_row(buffer, *view.entries[i], context, row_counter)) {
-            return false;
-        }
-    }
-    return append_table_end(buffer, errored);
-}
-
-bool append_tables(TextBuffer& buffer, const SortedView& view, const ResultsLinkContext& context,
+bool append_tables(TextBuffer& buffer, const SortedView& view, const ResultsLinkContext& links,
                    std::uint64_t failed, std::uint64_t errored)
 {
+    const auto is_errored = [](const ReportEntry* report) {
+        return outcome_of(*report) == Outcome::Errored;
+    };
     std::uint64_t row_counter = 0;
     return text_buffer_append(buffer, SECTION_START) &&
-           (errored == 0 || (text_buffer_append(buffer, ERRORED_TITLE) &&
-                             append_errored_table(buffer, view, errored, context, row_counter))) &&
+           (errored == 0 ||
+            (append_title(buffer, "Errored") &&
+             append_table(buffer, ERRORED_HEADER, {view.entries, view.entries + view.length},
+                          errored, is_errored, append_errored_row, {links, row_counter}))) &&
            (failed == 0 ||
-            (text_buffer_append(buffer, FAILED_TITLE) &&
-             append_report_table(buffer, view.entries, view.length, 0, context, row_counter))) &&
-           text_buffer_append(buffer, PASSED_TITLE) &&
-           append_report_table(buffer, view.entries, view.length, 1, context, row_counter) &&
-           text_buffer_append(buffer, SECTION_END);
+            (append_title(buffer, "Failed") &&
+             append_report_table(buffer, view.entries, view.length, 0, links, row_counter))) &&
+           append_title(buffer, "Passed") &&
+           append_report_table(buffer, view.entries, view.length, 1, links, row_counter) &&
+           text_buffer_append(buffer, "</div>\n</section>\n");
 }
 
 bool append_other_file_row(TextBuffer& buffer, const ReportEntry& entry)
 {
-    return text_buffer_append(buffer, "<tr><td>") &&
-           html_append_escaped_path(buffer, entry.relative_path) &&
-           (entry.kind != ReportKind::Unreadable ||
-            text_buffer_append(buffer, " <small>(unreadable)</small>")) &&
-           text_buffer_append(buffer, "</td></tr>\n");
+    const bool is_unreadable = outcome_of(entry) == Outcome::Unreadable;
+    return append_all(buffer, "<tr><td>", EscapedPath{entry.relative_path},
+                      is_unreadable ? " <small>(unreadable)</small>" : "", "</td></tr>\n");
 }
 
 } // namespace
@@ -229,31 +209,18 @@ bool append_report_table(TextBuffer& buffer, const ReportEntry* const* view,
     const auto is_wanted = [&](const ReportEntry* entry) {
         return entry->kind == ReportKind::Analyzed && entry->passed == wanted_passed;
     };
-    const std::uint64_t rows =
-        static_cast<std::uint64_t>(std::count_if(view, view + view_length, is_wanted));
-    if (!append_table_start(buffer, rows, ANALYZED_HEADER)) {
-        return false;
-    }
-    for (std::uint64_t i = 0; i < view_length; ++i) {
-        if (is_wanted(view[i]) && !append_analyzed_row(buffer, *view[i], context, row_counter)) {
-            return false;
-        }
-    }
-    return append_table_end(buffer, rows);
+    const auto rows = std::count_if(view, view + view_length, is_wanted);
+    return append_table(buffer, ANALYZED_HEADER, {view, view + view_length},
+                        static_cast<std::uint64_t>(rows), is_wanted, append_analyzed_row,
+                        {context, row_counter});
 }
 
 bool append_other_files_section(TextBuffer& buffer, const SummaryModel& model, std::uint64_t other)
 {
-    if (other == 0) {
-        return true;
-    }
-    if (!text_buffer_append(buffer, OTHER_FILES_START)) {
-        return false;
-    }
-    for (std::uint64_t i = 0; i < model.count; ++i) {
-        if (!is_report(model.entries[i]) && !append_other_file_row(buffer, model.entries[i])) {
-            return false;
-        }
-    }
-    return text_buffer_append(buffer, OTHER_FILES_END);
+    const auto append_row = [&](const ReportEntry& entry) {
+        return is_report(entry) || append_other_file_row(buffer, entry);
+    };
+    return other == 0 || (text_buffer_append(buffer, OTHER_FILES_START) &&
+                          std::all_of(model.entries, model.entries + model.count, append_row) &&
+                          text_buffer_append(buffer, "</table></div>\n</div>\n</section>\n"));
 }

@@ -86,13 +86,12 @@ void sorted_view_init(SortedView& view)
 bool sorted_view_fill(SortedView& view, const SummaryModel& model, std::uint64_t reports)
 {
     SortKey* scratch = allocate_for<SortKey>(reports);
-    const ReportEntry** entries = allocate_for<const ReportEntry*>(reports);
-    const bool has_memory = scratch != nullptr && entries != nullptr;
+    view.entries = allocate_for<const ReportEntry*>(reports);
+    const bool has_memory = scratch != nullptr && view.entries != nullptr;
     if (has_memory) {
-        view.entries = entries;
         fill_sorted(view, model, scratch);
     } else {
-        std::free(entries);
+        sorted_view_free(view);
     }
     std::free(scratch);
     return has_memory;

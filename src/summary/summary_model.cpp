@@ -4,12 +4,20 @@ SummaryTally tally_entries(const ReportEntry* entries, std::uint64_t count)
 {
     SummaryTally tally = {};
     for (std::uint64_t i = 0; i < count; ++i) {
-        if (entries[i].kind == ReportKind::Analyzed) {
-            ++(entries[i].passed != 0 ? tally.passed : tally.failed);
-        } else if (entries[i].kind == ReportKind::RunError) {
+        switch (outcome_of(entries[i])) {
+        case Outcome::Passed:
+            ++tally.passed;
+            break;
+        case Outcome::Failed:
+            ++tally.failed;
+            break;
+        case Outcome::Errored:
             ++tally.errored;
-        } else {
+            break;
+        case Outcome::NoReport:
+        case Outcome::Unreadable:
             ++tally.other;
+            break;
         }
     }
     return tally;
@@ -20,7 +28,8 @@ std::uint64_t total_reports(const SummaryTally& tally)
     return tally.passed + tally.failed + tally.errored;
 }
 
+// What the tally counts among the reports.
 bool is_report(const ReportEntry& entry)
 {
-    return entry.kind == ReportKind::Analyzed || entry.kind == ReportKind::RunError;
+    return tally_entries(&entry, 1).other == 0;
 }

@@ -19,10 +19,10 @@ struct SummaryModel
 // How many entries there are of each outcome.
 struct SummaryTally
 {
-    std::uint64_t passed;  // Analyzed with passed set
-    std::uint64_t failed;  // Analyzed with passed clear
-    std::uint64_t errored; // RunError
-    std::uint64_t other;   // any other kind: scanned, but no readable report
+    std::uint64_t passed;
+    std::uint64_t failed;
+    std::uint64_t errored;
+    std::uint64_t other; // NoReport and Unreadable: scanned, but no readable report
 };
 
 // Counts in one pass.

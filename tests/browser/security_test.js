@@ -63,11 +63,12 @@ test("not one request leaves the page before the one that the test makes", async
     await page.click("#themeToggle");
     await page.reload();
     await fetchPicture(page);
-    assert.deepEqual(asked.splice(0), ["GET http://a.test/x.png HTTP/1.1"]);
-    const requests = page.seen.requests.filter((url) => url !== "http://a.test/x.png");
+    const [first] = asked;
+    assert.match(first, /^(GET http:\/\/a\.test\/x\.png|CONNECT a\.test:443) HTTP/);
+    assert.ok(asked.splice(0).every((line) => line === first));
+    const requests = page.seen.requests.filter((url) => !/^https?:\/\/a\.test\//.test(url));
     assert.ok(requests.every((url) => /^file:.*\/(summary|with-scripts)\.html$/.test(url)));
-    page.seen.requests.length = 0;
-    page.seen.errors.length = 0;
+    await page.forget();
   });
 });
 

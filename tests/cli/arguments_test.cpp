@@ -84,11 +84,6 @@ TEST_F(Arguments, HelpAfterACompleteCommandLineWritesNothing)
     expect_ends_at_once({"--input", "d", "-o", "s.html", "--help"}, 0, USAGE, "");
 }
 
-TEST_F(Arguments, ABadArgumentAfterACompleteCommandLineWritesNothing)
-{
-    expect_ends_at_once({"--input", "d", "-o", "s.html", ""}, 1, "", unrecognized_message(""));
-}
-
 TEST_F(Arguments, OfTwoInputsTheLastIsScanned)
 {
     temp.write("b/one.html", failed_report());

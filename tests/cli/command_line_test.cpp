@@ -1,5 +1,3 @@
-// Single command lines; argument_lists_test.cpp tries them all.
-
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,10 +68,6 @@ void expect_run(const Parsed& parsed, std::string_view input, std::string_view p
 TEST(CommandLine, NoArgumentsAreRejectedWithTheMissingOptionsMessage)
 {
     expect_rejected(parse({}), missing_options_message());
-}
-
-TEST(CommandLine, AnEmptyArgumentArrayIsRejectedWithTheMissingOptionsMessage)
-{
     const char* const argv[] = {nullptr};
     expect_rejected(parse_array(0, argv), missing_options_message());
 }
@@ -129,14 +123,10 @@ TEST(CommandLine, AValueIsTakenWhateverItIs)
     expect_run(parse({"--input", "--input", "-o", "-o"}), "--input", "-o", false);
 }
 
-TEST(CommandLine, InputAsTheLastArgumentIsUnrecognized)
+TEST(CommandLine, AnOptionAsTheLastArgumentIsUnrecognized)
 {
     expect_rejected(parse({"--input"}), unrecognized_message("--input"));
     expect_rejected(parse({"-o", "s.html", "--input"}), unrecognized_message("--input"));
-}
-
-TEST(CommandLine, OutputAsTheLastArgumentIsUnrecognized)
-{
     expect_rejected(parse({"-o"}), unrecognized_message("-o"));
     expect_rejected(parse({"--input", "dir", "-o"}), unrecognized_message("-o"));
 }
@@ -162,9 +152,9 @@ TEST(CommandLine, VersionAnswersBeforeALaterBadArgument)
 
 TEST(CommandLine, ABadArgumentEndsBeforeALaterVersionOrHelp)
 {
-    expect_rejected(parse({"--bogus", "--version"}), unrecognized_message("--bogus"));
-    expect_rejected(parse({"--bogus", "--help"}), unrecognized_message("--bogus"));
-    expect_rejected(parse({"--bogus", "-h"}), unrecognized_message("--bogus"));
+    for (const char* later : {"--version", "--help", "-h"}) {
+        expect_rejected(parse({"--bogus", later}), unrecognized_message("--bogus"));
+    }
 }
 
 TEST(CommandLine, HelpAnswersWithTheUsageOnStandardOutput)
@@ -182,16 +172,11 @@ TEST(CommandLine, ComparisonsAreExact)
          {"--Input", "--INPUT",  "-O",     "--JSON",    "--Version", "-H",        "--Help",
           "--inpu",  "--inputs", "--jso",  "--json ",   " --json",   "--vers",    "--versions",
           "--hel",   "-help",    "-input", "--input=d", "-os.html",  "-o=s.html", "--json=1",
-          "-",       "--",       "-v",     "-j",        "-oh"}) {
+          "-",       "--",       "-v",     "-j",        "-oh",       ""}) {
         SCOPED_TRACE(word);
         expect_rejected(parse({word, "d"}), unrecognized_message(word));
         expect_rejected(parse({"--input", "d", "-o", "s.html", word}), unrecognized_message(word));
     }
-}
-
-TEST(CommandLine, AnEmptyArgumentIsUnrecognized)
-{
-    expect_rejected(parse({""}), unrecognized_message(""));
 }
 
 TEST(CommandLine, TheUnrecognizedArgumentIsShownByteForByte)

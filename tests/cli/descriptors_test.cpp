@@ -57,14 +57,6 @@ TEST_F(Descriptors, EachCarriesTheWalkOneLevelFurther)
     }
 }
 
-TEST_F(Descriptors, OneIsEnoughForAFolderOfAnySize)
-{
-    for (int i = 0; i < 100; ++i) {
-        temp.write("in/" + std::to_string(i) + ".html", passed_report());
-    }
-    expect_run(run_with(1), 0, wrote_passed(100), "");
-}
-
 // Each folder's listing is closed before the next one's is opened.
 TEST_F(Descriptors, SixtyFourAreEnoughForAWideTreeAndSoAreTwo)
 {

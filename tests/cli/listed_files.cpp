@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <ostream>
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include "support/read_back.h"
 
 std::vector<ListedFile> files_in(const std::string& json)
 {
     std::vector<ListedFile> files;
-    const nlohmann::json summary = nlohmann::json::parse(json, nullptr, false);
-    EXPECT_FALSE(summary.is_discarded()) << json;
-    if (summary.is_discarded()) {
-        return files;
-    }
+    const nlohmann::ordered_json summary = read_json(json);
     for (const auto& report : summary.at("reports")) {
         files.push_back({report.at("relative_path"), report.at("verdict"), report.at("error")});
     }
@@ -31,6 +28,17 @@ std::vector<std::string> paths_in(const std::string& json)
     }
     std::sort(paths.begin(), paths.end());
     return paths;
+}
+
+std::vector<std::string> links_in(const std::string& page)
+{
+    const std::string start = "<a href=\"";
+    std::vector<std::string> links;
+    for (std::size_t at = page.find(start); at != page.npos; at = page.find(start, at)) {
+        at += start.size();
+        links.push_back(page.substr(at, page.find('"', at) - at));
+    }
+    return links;
 }
 
 void PrintTo(const ListedFile& file, std::ostream* output)

@@ -61,13 +61,6 @@ TEST_F(ReadingRun, AnEmptyInputDirectoryGivesStatusZero)
     EXPECT_EQ(files(), Files{});
 }
 
-TEST_F(ReadingRun, OnlyPassedReportsGiveStatusZero)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/sub/b.htm", passed_report());
-    expect_complete(0, {.passed = 2});
-}
-
 TEST_F(ReadingRun, OnlyOtherHtmlFilesGiveATotalOfZeroAndStatusZero)
 {
     temp.write("in/a.html", OTHER_PAGE);

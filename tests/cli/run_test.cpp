@@ -19,27 +19,25 @@ bool all_bytes_are(const void* begin, std::size_t size, unsigned char value)
     return bytes.find_first_not_of(static_cast<char>(value)) == std::string_view::npos;
 }
 
-// Reads into a record and a buffer of which every byte is set, so that what a call
-// leaves alone can be told.
+// Reads into a record of which every byte is set, so that what a call leaves alone can be
+// told.
 class ReadEntry : public testing::Test
 {
 protected:
     ReadEntry()
     {
-        std::memset(bytes, 0xAB, sizeof bytes);
         std::memset(&entry, 0xAB, sizeof entry);
     }
 
     void read(const std::string& input, const std::string& relative)
     {
-        read_entry(input.c_str(), relative.c_str(), bytes, entry);
+        read_entry(input.c_str(), relative.c_str(), entry);
         EXPECT_EQ(static_cast<const void*>(entry.relative_path),
                   static_cast<const void*>(relative.c_str()));
     }
 
     TempFolder temp;
     ReportEntry entry;
-    char bytes[LONG_PATH_BUFFER_SIZE];
 };
 
 } // namespace
@@ -49,7 +47,6 @@ TEST_F(ReadEntry, ReadsTheFileBelowTheInputDirectoryAsTyped)
     temp.write("in/a/r.html", FULL_FAILED_REPORT);
     const std::string input = temp.path("in//./");
     read(input, "a/r.html");
-    EXPECT_EQ(bytes, input + "/a/r.html");
     EXPECT_EQ(entry.kind, ReportKind::Analyzed);
     EXPECT_EQ(entry.failed_check_count, 2U);
 }
@@ -68,7 +65,6 @@ TEST_F(ReadEntry, HandsAPathOf8191CharactersToTheReader)
     const std::string input(4096, 'i');
     const std::string relative(4094, 'r');
     read(input, relative);
-    EXPECT_EQ(bytes, input + "/" + relative);
     EXPECT_EQ(entry.kind, ReportKind::Unreadable);
     EXPECT_TRUE(all_bytes_are(entry.failed_checks, sizeof entry.failed_checks, 0xAB));
 }

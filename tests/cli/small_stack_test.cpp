@@ -33,9 +33,13 @@ TEST(SmallStack, ATreeAsDeepAsPathsAllowIsReadAndWhatIsLongerIsSkipped)
     }
     const TempFolder temp;
     temp.make_folder("in");
-    const DeepTree tree(temp.path("in"), 2043);
+    DeepTree tree(temp.path("in"), 2043);
     tree.write_innermost("r.html", passed_report());
-    tree.write_innermost("rr.html", passed_report());
+    tree.write_innermost("rr.html", failed_report());
+    for (int i = 0; i < 10; ++i) {
+        tree.go_deeper();
+        tree.write_innermost("r.html", failed_report());
+    }
     // On the second run the page is there: each candidate is compared with it.
     for (int i = 0; i < 2; ++i) {
         expect_run(run_on_small_stack(temp, "r.html"), 0,

@@ -11,7 +11,6 @@
 #include "cli/built_program.h"
 #include "cli/expected_texts.h"
 #include "cli/listed_files.h"
-#include "cli/process_limits.h"
 #include "cli/sample_reports.h"
 #include "support/deep_tree.h"
 
@@ -84,14 +83,6 @@ TEST_F(Walking, ALinkToAReportIsListedUnderItsOwnNameAndADanglingOneIsSkipped)
     temp.link("circle.html", "in/circle.html");
     EXPECT_EQ(listed(), Names{"link.html"});
     EXPECT_EQ(files_in(temp.read("s.json")).at(0).outcome, "FAIL") << "of the file it leads to";
-}
-
-TEST_F(Walking, ALinkToAFolderIsWalkedInto)
-{
-    temp.write("elsewhere/r.html", passed_report());
-    temp.link("../elsewhere", "in/link");
-    temp.link("../elsewhere", "in/link.html");
-    EXPECT_EQ(listed(), (Names{"link.html/r.html", "link/r.html"}));
 }
 
 // The system follows 40 links in one path, so the report is met 41 times.
@@ -182,14 +173,6 @@ TEST_F(Walking, ASubFolderWithoutReadPermissionIsSkipped)
     EXPECT_EQ(listed_by_ordinary_user(), Names{"a.html"});
 }
 
-TEST_F(Walking, AFolderThatMayBeSearchedAndReadButNotWrittenIsListed)
-{
-    temp.write("in/sub/b.html", passed_report());
-    temp.chmod("in/sub", 0555);
-    temp.chmod("in", 0555);
-    EXPECT_EQ(listed_by_ordinary_user(), Names{"sub/b.html"});
-}
-
 TEST_F(Walking, FilesAndFoldersNamedWithEveryByteAreRead)
 {
     unsigned count = 0;
@@ -203,25 +186,4 @@ TEST_F(Walking, FilesAndFoldersNamedWithEveryByteAreRead)
     }
     expect_run(run_in(temp, {"--input", "in", "-o", "s.html"}), 1,
                wrote("s.html", {.passed = count, .failed = count}), "");
-}
-
-TEST_F(Walking, ANameOf255BytesIsListed)
-{
-    const std::string name = std::string(250, 'n') + ".html";
-    temp.write("in/" + name, passed_report());
-    EXPECT_EQ(listed(), Names{name});
-}
-
-TEST_F(Walking, ATreeDeeperThanPathsAllowEndsTheDescentWithoutAWord)
-{
-    if (!may_set_limit(RLIMIT_NOFILE, DEEP_DESCRIPTORS)) {
-        GTEST_SKIP() << "too few descriptors for a tree as deep as paths allow";
-    }
-    const DeepTree tree(temp.path("in"), 2100);
-    tree.write_innermost("r.html", failed_report());
-    temp.write("in/d/d/r.html", passed_report());
-    const ProcessResult result = run_fthsummary(
-        {"--input", "in", "-o", "s.html"},
-        {.folder = temp.path(), .before_exec = [] { limit(RLIMIT_NOFILE, DEEP_DESCRIPTORS); }});
-    expect_run(result, 0, wrote("s.html", {.passed = 1}), "");
 }

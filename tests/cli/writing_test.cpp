@@ -4,7 +4,6 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -136,22 +135,10 @@ TEST_F(Writing, MissingFoldersAreCreated)
 TEST_F(Writing, LinksOfAPageInANewFolderLeadToTheReports)
 {
     expect_both("new/folder/s.html", "new/folder/s.json");
-    const std::string page = temp.read("new/folder/s.html");
-    const std::regex link("<a href=\"([^\"#]+)\"");
-    Names found;
-    for (std::sregex_iterator at(page.begin(), page.end(), link), end; at != end; ++at) {
-        const std::string target = (*at)[1];
-        EXPECT_TRUE(temp.exists("new/folder/" + target)) << target;
-        found.push_back(fs::path(target).filename());
-    }
-    EXPECT_EQ(found, (Names{"b.html", "a.html"})) << "failed reports come first";
-}
-
-TEST_F(Writing, AnAbsolutePageIsWritten)
-{
-    expect_run(run(temp.path("x/s.html")), 1,
-               wrote_both(temp.path("x/s.html"), temp.path("x/s.json")), "");
-    EXPECT_EQ(outputs(), (Names{"x", "x/s.html", "x/s.json"}));
+    const Names links = links_in(temp.read("new/folder/s.html"));
+    ASSERT_EQ(links.size(), 2U);
+    EXPECT_TRUE(fs::equivalent(temp.path("new/folder/" + links[0]), temp.path("in/b.html")));
+    EXPECT_TRUE(fs::equivalent(temp.path("new/folder/" + links[1]), temp.path("in/a.html")));
 }
 
 TEST_F(Writing, BackslashesMakeFoldersButThePageIsWrittenAsTyped)
@@ -231,13 +218,6 @@ TEST_F(Writing, AJsonPathThatGrowsTooLongForTheSystemFailsAndThePageStays)
     const std::string htm = page_of_length(4095, "s.htm");
     expect_run(run(htm), 1, "", write_message(htm.substr(0, 4091) + ".json"));
     expect_whole_page(written(htm));
-}
-
-TEST_F(Writing, ANameOf255BytesIsWrittenAndOneMoreIsNot)
-{
-    const std::string longest(250, 'n');
-    expect_both(longest + ".html", longest + ".json");
-    expect_run(run("n" + longest + ".html"), 1, "", write_message("n" + longest + ".html"));
 }
 
 // ---- Older files, links and permissions ----

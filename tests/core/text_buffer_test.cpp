@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <climits>
+#include <cstdarg>
 #include <cstdint>
 #include <cwchar>
 #include <functional>
@@ -9,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "core/text_buffer.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 
@@ -104,19 +106,11 @@ TEST(TextBuffer, FreshBufferIsNullWithLengthAndCapacityZero)
     EXPECT_EQ(block, 'x');
 }
 
-TEST(TextBuffer, FreeingAFreshBufferIsHarmlessAndLeavesItSo)
-{
-    TextBuffer buffer;
-    text_buffer_init(buffer);
-    text_buffer_free(buffer);
-    expect_empty(buffer);
-    text_buffer_free(buffer);
-    expect_empty(buffer);
-}
-
 TEST(TextBuffer, AFreedBufferIsEmptyAndMayBeAppendedToAgain)
 {
     Buffer buffer;
+    text_buffer_free(buffer);
+    expect_empty(buffer);
     ASSERT_TRUE(text_buffer_append(buffer, std::string(1000, 'x')));
     text_buffer_free(buffer);
     expect_empty(buffer);
@@ -124,38 +118,20 @@ TEST(TextBuffer, AFreedBufferIsEmptyAndMayBeAppendedToAgain)
     expect_state(buffer, "again", 256);
 }
 
-TEST(TextBuffer, AppendingAnEmptyStringToAFreshBufferAllocates256Bytes)
+TEST(TextBuffer, AppendingAnEmptyTextAllocatesTheFirstBlockAndNoOther)
 {
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, ""));
-    expect_state(buffer, "", 256);
-}
-
-TEST(TextBuffer, AppendingANullViewToAFreshBufferAllocates256Bytes)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, std::string_view()));
-    expect_state(buffer, "", 256);
-}
-
-TEST(TextBuffer, AppendfOfAnEmptyTextAllocatesOnAFreshBufferAndLeavesTheLength)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
-    expect_state(buffer, "", 256);
-    ASSERT_TRUE(text_buffer_append(buffer, "abc"));
-    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
-    expect_state(buffer, "abc", 256);
-}
-
-TEST(TextBuffer, AppendingAnEmptyStringToAFullBlockDoesNotGrowIt)
-{
-    Buffer buffer;
     const std::string full(255, 'x');
-    ASSERT_TRUE(text_buffer_append(buffer, full));
-    ASSERT_TRUE(text_buffer_append(buffer, ""));
-    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", ""));
-    expect_state(buffer, full, 256);
+    for (const auto append_empty :
+         {+[](TextBuffer& buffer) { return text_buffer_append(buffer, ""); },
+          +[](TextBuffer& buffer) { return text_buffer_append(buffer, std::string_view()); },
+          +[](TextBuffer& buffer) { return text_buffer_appendf(buffer, "%s", ""); }}) {
+        Buffer buffer;
+        ASSERT_TRUE(append_empty(buffer));
+        expect_state(buffer, "", 256);
+        ASSERT_TRUE(text_buffer_append(buffer, full));
+        ASSERT_TRUE(append_empty(buffer));
+        expect_state(buffer, full, 256);
+    }
 }
 
 TEST(TextBuffer, OneAppendToAFreshBufferTakesTheFirstSufficientPowerOfTwoFrom256)
@@ -165,41 +141,16 @@ TEST(TextBuffer, OneAppendToAFreshBufferTakesTheFirstSufficientPowerOfTwoFrom256
         std::size_t length;
         std::uint64_t capacity;
     };
-    const Row rows[] = {{1, 256},        {254, 256},         {255, 256},        {256, 512},
-                        {257, 512},      {510, 512},         {511, 512},        {512, 1024},
-                        {1000, 1024},    {1023, 1024},       {1024, 2048},      {2047, 2048},
-                        {2048, 4096},    {4095, 4096},       {4096, 8192},      {65535, 65536},
-                        {65536, 131072}, {1048575, 1048576}, {1048576, 2097152}};
+    const Row rows[] = {{1, 256},     {255, 256},   {256, 512},         {511, 512},
+                        {512, 1024},  {1000, 1024}, {1023, 1024},       {1024, 2048},
+                        {4095, 4096}, {4096, 8192}, {1048575, 1048576}, {1048576, 2097152}};
     for (const Row& row : rows) {
         const std::string text(row.length, 'x');
         Buffer appended;
+        const std::uint64_t before = allocation_count();
         ASSERT_TRUE(text_buffer_append(appended, text));
         expect_state(appended, text, row.capacity);
-        Buffer formatted;
-        ASSERT_TRUE(text_buffer_appendf(formatted, "%s", text.c_str()));
-        expect_state(formatted, text, row.capacity);
-    }
-}
-
-TEST(TextBuffer, CharacterByCharacterTheCapacityDoublesExactlyWhenTheNulNoLongerFits)
-{
-    Buffer buffer;
-    std::uint64_t capacity = 256;
-    std::uint64_t allocations = allocation_count() + 1;
-    for (std::uint64_t length = 1; length <= 70000; ++length) {
-        ASSERT_TRUE(text_buffer_append_char(buffer, 'a' + static_cast<int>(length % 26)));
-        if (length == capacity) {
-            capacity *= 2;
-            ++allocations;
-        }
-        ASSERT_EQ(buffer.capacity, capacity) << "length " << length;
-        ASSERT_EQ(buffer.length, length);
-        ASSERT_EQ(buffer.data[length], '\0');
-        ASSERT_EQ(allocation_count(), allocations) << "length " << length;
-    }
-    EXPECT_EQ(capacity, 131072U);
-    for (std::uint64_t i = 0; i < buffer.length; ++i) {
-        ASSERT_EQ(buffer.data[i], 'a' + static_cast<int>((i + 1) % 26));
+        EXPECT_EQ(allocation_count(), before + 1);
     }
 }
 
@@ -227,27 +178,6 @@ TEST(TextBuffer, WithLength250And256BytesFiveMoreFitAndSixGrowTo512)
     }
 }
 
-TEST(TextBuffer, AppendCharWithOneFreeByteDoesNotGrowAndWithNoneDoubles)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, std::string(254, 'x')));
-    ASSERT_TRUE(text_buffer_append_char(buffer, 'y')); // length = capacity - 2
-    expect_state(buffer, std::string(254, 'x') + "y", 256);
-    ASSERT_TRUE(text_buffer_append_char(buffer, 'z')); // length = capacity - 1
-    expect_state(buffer, std::string(254, 'x') + "yz", 512);
-}
-
-TEST(TextBuffer, OneAppendMayDoubleSeveralTimes)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, std::string(300, 'x')));
-    ASSERT_EQ(buffer.capacity, 512U);
-    const std::uint64_t before = allocation_count();
-    ASSERT_TRUE(text_buffer_append(buffer, std::string(1748, 'y'))); // needs 2049
-    expect_state(buffer, std::string(300, 'x') + std::string(1748, 'y'), 4096);
-    EXPECT_EQ(allocation_count(), before + 1);
-}
-
 TEST(TextBuffer, AppendTakesExactlyTheBytesOfTheView)
 {
     Buffer buffer;
@@ -265,19 +195,6 @@ TEST(TextBuffer, AppendCharStoresTheLowByteOnly)
     expect_state(buffer, std::string_view("A\0\xff\xff\0B\xff", 7), 256);
 }
 
-TEST(TextBuffer, AppendCharStoresEveryByteValueUnchanged)
-{
-    Buffer buffer;
-    for (int c = 0; c < 256; ++c) {
-        ASSERT_TRUE(text_buffer_append_char(buffer, c));
-    }
-    ASSERT_EQ(buffer.length, 256U);
-    EXPECT_EQ(buffer.capacity, 512U);
-    for (unsigned i = 0; i < 256; ++i) {
-        EXPECT_EQ(static_cast<unsigned char>(buffer.data[i]), i);
-    }
-}
-
 TEST(TextBuffer, AppendNumberWritesPlainDecimalDigits)
 {
     struct Row
@@ -286,16 +203,10 @@ TEST(TextBuffer, AppendNumberWritesPlainDecimalDigits)
         const char* digits;
     };
     const Row rows[] = {{0, "0"},
-                        {1, "1"},
                         {9, "9"},
                         {10, "10"},
-                        {99, "99"},
-                        {100, "100"},
                         {1000000007, "1000000007"},
-                        {UINT32_MAX, "4294967295"},
-                        {INT64_MAX, "9223372036854775807"},
                         {9223372036854775808U, "9223372036854775808"},
-                        {10000000000000000000U, "10000000000000000000"},
                         {UINT64_MAX, "18446744073709551615"}};
     for (const Row& row : rows) {
         Buffer buffer;
@@ -334,13 +245,46 @@ TEST(TextBuffer, AppendfOfAValueTheFormatterRejectsChangesNothing)
     Buffer fresh;
     EXPECT_FALSE(text_buffer_appendf(fresh, "abc%lc", no_byte_in_the_c_locale));
     expect_empty(fresh);
+}
 
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, "kept"));
-    const char* const data = buffer.data;
-    EXPECT_FALSE(text_buffer_appendf(buffer, "abc%lc", no_byte_in_the_c_locale));
-    EXPECT_EQ(buffer.data, data);
-    expect_state(buffer, "kept", 256);
+namespace {
+
+// Fails to format a long number, the text of which is first measured and then written.
+// What fails half way leaves no NUL behind what it wrote.
+bool append_while_formatting_fails(Buffer& buffer, std::uint64_t call)
+{
+    const Interception fail(format_call, [&call](const auto& next, char* text, std::size_t size,
+                                                 const char* format, va_list values) {
+        const bool fails = --call == 0;
+        if (fails && text != nullptr) {
+            std::fill_n(text, size, '?');
+        }
+        return fails ? -1 : next(text, size, format, values);
+    });
+    return text_buffer_appendf(buffer, "%ld", 123456789012345678L);
+}
+
+} // namespace
+
+TEST(TextBuffer, AFormattingThatFailsKeepsTheTextAndTheBlockUnlessItHadToGrow)
+{
+    struct Row
+    {
+        std::size_t length; // of the text before
+        std::uint64_t call; // that fails
+        std::uint64_t capacity;
+    };
+    for (const Row& row : {Row{4, 1, 256}, Row{4, 2, 256}, Row{250, 1, 256}, Row{250, 2, 512}}) {
+        Buffer buffer;
+        const std::string text(row.length, 'x');
+        ASSERT_TRUE(text_buffer_append(buffer, text));
+        const char* const data = buffer.data;
+        EXPECT_FALSE(append_while_formatting_fails(buffer, row.call));
+        expect_state(buffer, text, row.capacity);
+        EXPECT_TRUE(buffer.data == data || row.capacity > 256);
+        ASSERT_TRUE(text_buffer_append(buffer, "!"));
+        expect_state(buffer, text + "!", row.capacity);
+    }
 }
 
 TEST(TextBuffer, AFailedFirstAllocationLeavesTheBufferEmpty)

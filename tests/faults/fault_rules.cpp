@@ -35,7 +35,6 @@ constexpr Rule RULES[] = {
     {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},
 
     // Reading.
-    {Call::Snprintf, Answer::Refuse, Phase::Reading, Effect::FormsNoPath},
     {Call::Open, Answer::Refuse, Phase::Reading, Effect::Unreadable},
     {Call::Open, Answer::WouldBlock, Phase::Reading, Effect::AsksAgain},
     {Call::Lseek, Answer::Refuse, Phase::Reading, Effect::Unreadable},
@@ -50,8 +49,8 @@ constexpr Rule RULES[] = {
     {Call::Mkdir, Answer::Exists, Phase::Folders, Effect::ClaimsFolder},
 
     // The page and the JSON.
-    {Call::Vsnprintf, Answer::Refuse, Phase::Page, Effect::NoPage},
-    {Call::Vsnprintf, Answer::Refuse, Phase::Json, Effect::NoJson},
+    {Call::Format, Answer::Refuse, Phase::Page, Effect::NoPage},
+    {Call::Format, Answer::Refuse, Phase::Json, Effect::NoJson},
     {Call::Realpath, Answer::Refuse, Phase::Page, Effect::BareLinks},
     {Call::Time, Answer::Refuse, Phase::Page, Effect::OldestTime},
     {Call::Gmtime, Answer::Refuse, Phase::Page, Effect::NoTime},
@@ -72,10 +71,23 @@ constexpr Rule RULES[] = {
 
 } // namespace
 
+const std::vector<FaultKind>& fault_kinds()
+{
+    static const std::vector<FaultKind> KINDS = [] {
+        std::set<FaultKind> kinds = {{Call::Print, Answer::Refuse}};
+        for (const Rule& rule : RULES) {
+            kinds.emplace(rule.call, rule.answer);
+        }
+        return std::vector<FaultKind>(kinds.begin(), kinds.end());
+    }();
+    return KINDS;
+}
+
+// Whatever is printed, and at any time: what cannot be printed is lost, and that is all.
 std::optional<Effect> effect_of(const CallRecord& failed)
 {
     if (failed.call == Call::Print) {
-        return Effect::LosesPrint;
+        return Effect::Nothing;
     }
     for (const Rule& rule : RULES) {
         if (rule.call == failed.call && rule.answer == failed.answer &&

@@ -1,11 +1,17 @@
 #include "faults/forecast.h"
 
+#include <algorithm>
+#include <cstring>
 #include <map>
-#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "cli/expected_texts.h"
+#include "cli/version.h"
+#include "summary/json_summary.h"
+#include "summary/summary_model.h"
+#include "summary/summary_page.h"
+#include "support/call_faults.h"
 
 namespace {
 
@@ -18,161 +24,134 @@ std::string full_path(const std::string& path)
 bool is_end_of_empty_file(const World& world, const CallRecord& record)
 {
     const std::string path = record.subject.substr(full_path("").size());
-    return record.answer == Answer::Nothing && world.page_names.count(path) == 0 &&
-           document_of(world.files.at(path)).empty();
+    return record.answer == Answer::Nothing && world.empty_files.count(path) > 0;
 }
 
-bool ends_run(Effect effect)
-{
-    switch (effect) {
-    case Effect::NoInput:
-    case Effect::NoMemory:
-    case Effect::NoFolder:
-    case Effect::NoPage:
-    case Effect::CutPage:
-    case Effect::NoJson:
-    case Effect::CutJson:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// The failed calls, sorted by what they come to.
+// The failed calls, each with what it comes to.
 class Consequences
 {
 public:
-    Consequences(const World& world, const std::vector<CallRecord>& failed) : world_(world)
+    Consequences(const World& world, const std::vector<CallRecord>& failed)
     {
         for (const CallRecord& record : failed) {
-            if (const std::optional<Effect> effect = effect_of(record)) {
-                add(*effect, record);
-            } else {
+            const std::optional<Effect> effect = effect_of(record);
+            if (!effect) {
                 ADD_FAILURE() << "no rule for " << name_of(record.call) << ' '
                               << name_of(record.answer) << " in " << name_of(record.phase);
+            } else if (effect != Effect::Unreadable || !is_end_of_empty_file(world, record)) {
+                const bool again = effect == Effect::AsksAgain && find(*effect, record.subject);
+                list_.emplace_back(again ? Effect::Unreadable : *effect, record);
             }
         }
     }
 
-    std::optional<Effect> end;    // the one that ends the run
-    std::uint64_t end_number = 0; // of the call that ends it; CutPage, CutJson: bytes written
+    // The first call that came to the effect, of those with this subject if one is given;
+    // null when there is none.
+    const CallRecord* find(Effect effect, std::optional<std::string_view> subject = {}) const
+    {
+        for (const auto& [found, record] : list_) {
+            if (found == effect && (!subject || *subject == record.subject)) {
+                return &record;
+            }
+        }
+        return nullptr;
+    }
 
     bool has(Effect effect) const
     {
-        return numbers_.count(effect) > 0;
+        return find(effect) != nullptr;
     }
 
-    bool has(Effect effect, const std::string& subject) const
+    bool has(Effect effect, std::string_view subject) const
     {
-        return number_of(effect, subject).has_value();
+        return find(effect, subject) != nullptr;
     }
 
-    // Of the last call with this subject that came to the effect.
-    std::optional<std::uint64_t> number_of(Effect effect, const std::string& subject) const
+    const std::vector<std::pair<Effect, CallRecord>>& list() const
     {
-        const auto found = subjects_.find({effect, subject});
-        return found != subjects_.end() ? std::optional(found->second) : std::nullopt;
-    }
-
-    bool has_number(Effect effect, std::uint64_t number) const
-    {
-        const auto found = numbers_.find(effect);
-        return found != numbers_.end() && found->second.count(number) > 0;
+        return list_;
     }
 
 private:
-    void add(Effect effect, const CallRecord& record)
-    {
-        if (effect == Effect::Unreadable && is_end_of_empty_file(world_, record)) {
-            return;
-        }
-        if (effect == Effect::AsksAgain && has(effect, record.subject)) {
-            effect = Effect::Unreadable;
-        }
-        subjects_[{effect, record.subject}] = record.number;
-        numbers_[effect].insert(record.number);
-        if (ends_run(effect) && !end) {
-            end = effect;
-            end_number = record.number;
-        }
-    }
-
-    const World& world_;
-    std::map<std::pair<Effect, std::string>, std::uint64_t> subjects_;
-    std::map<Effect, std::set<std::uint64_t>> numbers_;
+    std::vector<std::pair<Effect, CallRecord>> list_;
 };
 
-class List
+// How the run ends, and of CutPage and CutJson how many bytes were written. What only
+// counted as a folder ends it at the next folder or, when there is none, at the page.
+struct End
 {
-public:
-    List(const World& world, const Listings& listings, const Consequences& faults)
-        : world_(world), listings_(listings), faults_(faults)
-    {
-        add_folder(INPUT);
-    }
+    Effect effect;
+    std::uint64_t written;
+};
 
-    std::vector<std::string> paths() const
-    {
-        return paths_;
+End end_of(const World& world, const Consequences& faults)
+{
+    if (faults.has(Effect::ClaimsFolder)) {
+        const bool is_last = faults.has(Effect::ClaimsFolder, world.missing_folders.back());
+        return {is_last ? Effect::NoPage : Effect::NoFolder, 0};
     }
-
-private:
-    void add_folder(const std::string& folder)
-    {
-        if (faults_.has(Effect::HidesFolder, folder)) {
-            return;
-        }
-        const std::vector<std::string>& names = listings_.at(folder);
-        const std::size_t count =
-            faults_.number_of(Effect::EndsFolder, folder).value_or(names.size());
-        for (std::size_t i = 0; i < count; ++i) {
-            if (names[i] != "." && names[i] != "..") {
-                add_entry(folder + "/" + names[i]);
-            }
+    for (const auto& [effect, record] : faults.list()) {
+        if (effect < Effect::Completes) {
+            return {effect, record.number};
         }
     }
+    return {Effect::Completes, 0};
+}
 
-    void add_entry(const std::string& full)
-    {
+// Appends the files that are listed below a folder, in order.
+void add_files(const World& world, const Listings& listings, const Consequences& faults,
+               const std::string& folder, std::vector<std::string>& files)
+{
+    const auto listing = listings.find(folder);
+    if (listing == listings.end() || faults.has(Effect::HidesFolder, folder)) {
+        return;
+    }
+    const CallRecord* end = faults.find(Effect::EndsFolder, folder);
+    std::vector<std::string> names = listing->second;
+    names.resize(end != nullptr ? end->number : names.size());
+    for (const std::string& name : names) {
+        const std::string full = folder + "/" + name;
+        if (name == "." || name == ".." || faults.has(Effect::HidesEntry, full)) {
+            continue;
+        }
+        add_files(world, listings, faults, full, files);
         const std::string path = full.substr(full_path("").size());
-        if (faults_.has(Effect::HidesEntry, full)) {
-            return;
-        }
-        if (listings_.count(full) > 0) {
-            add_folder(full);
-        } else if (world_.files.count(path) > 0 && !is_recognised_page(path)) {
-            paths_.push_back(path);
+        const bool is_recognised = world.page_names.count(path) > 0 &&
+                                   !faults.has(Effect::ForgetsPage) &&
+                                   !faults.has(Effect::MistakesEntry, full);
+        if (world.files.count(path) > 0 && !is_recognised) {
+            files.push_back(path);
         }
     }
+}
 
-    bool is_recognised_page(const std::string& path) const
-    {
-        return world_.page_names.count(path) > 0 && !faults_.has(Effect::ForgetsPage) &&
-               !faults_.has(Effect::MistakesEntry, full_path(path));
-    }
-
-    const World& world_;
-    const Listings& listings_;
-    const Consequences& faults_;
-    std::vector<std::string> paths_;
-};
-
-std::vector<ListedFile> files_of(const World& world, const Listings& listings,
-                                 const Consequences& faults)
+std::vector<std::string> list_files(const World& world, const Listings& listings,
+                                    const Consequences& faults)
 {
-    std::vector<ListedFile> files;
-    for (const std::string& path : List(world, listings, faults).paths()) {
-        const bool unread = faults.has(Effect::Unreadable, full_path(path)) ||
-                            faults.has_number(Effect::FormsNoPath, files.size());
-        files.push_back({path, unread ? unreadable() : world.files.at(path)});
-    }
+    std::vector<std::string> files;
+    add_files(world, listings, faults, INPUT, files);
     return files;
 }
 
-// The folders down to the first that was not made. What was only claimed ends the run at
-// the next folder or, when there is none, at the page.
-std::vector<std::string> make_folders(const World& world, const Consequences& faults,
-                                      std::optional<Effect>& end)
+std::vector<ReportEntry> entries_of(const World& world, const Listings& listings,
+                                    const Consequences& faults)
+{
+    std::vector<ReportEntry> entries;
+    for (const std::string& path : list_files(world, listings, faults)) {
+        const auto file = world.files.find(path);
+        ReportEntry entry = file->second;
+        if (faults.has(Effect::Unreadable, full_path(path))) {
+            entry = {};
+            entry.kind = ReportKind::Unreadable;
+        }
+        entry.relative_path = file->first.c_str();
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+// The folders down to the first that was not made.
+std::vector<std::string> made_folders(const World& world, const Consequences& faults)
 {
     std::vector<std::string> made;
     for (const std::string& folder : world.missing_folders) {
@@ -181,32 +160,56 @@ std::vector<std::string> make_folders(const World& world, const Consequences& fa
         }
         made.push_back(folder);
     }
-    if (faults.has(Effect::ClaimsFolder)) {
-        end = faults.has(Effect::ClaimsFolder, world.missing_folders.back()) ? Effect::NoPage
-                                                                             : Effect::NoFolder;
-    }
     return made;
 }
 
-std::string page_time(const Consequences& faults)
+// The page that is written at that time of the clock.
+std::string page_at(std::time_t time, const char* path, const SummaryModel& model)
 {
-    if (faults.has(Effect::NoTime)) {
-        return "";
-    }
-    return faults.has(Effect::OldestTime) ? "1969-12-31 23:59:59 UTC"
-                                          : std::string(WATCHED_TIME_TEXT);
+    const Interception clock(time_call, [time](const auto&, std::time_t*) { return time; });
+    const MemoryFile file;
+    EXPECT_TRUE(write_summary_page(path, model));
+    return file.bytes();
 }
 
-std::string printed_closing(const World& world, const std::vector<ListedFile>& files,
-                            const Consequences& faults)
+// A page that tells no time says the less for it.
+std::string without_time(std::string page)
 {
-    const std::vector<std::string> pieces =
-        closing_pieces(world.page, world.wants_json ? world.json : "", files);
-    std::string printed;
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        printed += faults.has_number(Effect::LosesPrint, i) ? "" : pieces[i];
-    }
-    return printed;
+    const Interception clock(time_call, [](const auto&, std::time_t*) { return WATCHED_TIME; });
+    char text[GENERATED_TIME_SIZE];
+    format_generated_time(text, sizeof text);
+    return page.erase(page.rfind(text), std::strlen(text));
+}
+
+// In the input directory, links are the bare paths.
+std::string page_of(const World& world, const SummaryModel& model, const Consequences& faults)
+{
+    const std::string path = faults.has(Effect::BareLinks) ? full_path("summary.html") : world.page;
+    const std::time_t time = faults.has(Effect::OldestTime) ? -1 : WATCHED_TIME;
+    const std::string page = page_at(time, path.c_str(), model);
+    return faults.has(Effect::NoTime) ? without_time(page) : page;
+}
+
+std::string json_of(const SummaryModel& model)
+{
+    const MemoryFile file;
+    EXPECT_TRUE(write_json_summary("", model));
+    return file.bytes();
+}
+
+std::string closing_lines(const World& world, const SummaryModel& model)
+{
+    const SummaryTally tally = tally_entries(model.entries, model.count);
+    const Counts counts = {static_cast<unsigned>(tally.passed), static_cast<unsigned>(tally.failed),
+                           static_cast<unsigned>(tally.errored)};
+    return world.wants_json ? wrote_with_json(world.page, world.json, counts)
+                            : wrote(world.page, counts);
+}
+
+bool fails_run(const ReportEntry& entry)
+{
+    return (entry.kind == ReportKind::Analyzed && entry.passed == 0) ||
+           entry.kind == ReportKind::RunError || entry.kind == ReportKind::Unreadable;
 }
 
 std::string message_for(const World& world, Effect end)
@@ -221,8 +224,11 @@ std::string message_for(const World& world, Effect end)
     case Effect::NoPage:
     case Effect::CutPage:
         return write_message(world.page);
-    default:
+    case Effect::NoJson:
+    case Effect::CutJson:
         return write_message(world.json);
+    default:
+        return "";
     }
 }
 
@@ -231,41 +237,33 @@ std::string message_for(const World& world, Effect end)
 std::vector<std::string> forecast_list(const World& world, const Listings& listings,
                                        const std::vector<CallRecord>& failed)
 {
-    return List(world, listings, Consequences(world, failed)).paths();
+    return list_files(world, listings, Consequences(world, failed));
 }
 
-Outcome forecast(const World& world, const Listings& listings,
-                 const std::vector<CallRecord>& failed)
+Aftermath forecast(const World& world, const Listings& listings,
+                   const std::vector<CallRecord>& failed)
 {
     const Consequences faults(world, failed);
-    Outcome outcome = {1, "", "", world.older_page, world.older_json, {}};
-    std::optional<Effect> end = faults.end;
-    if (end != Effect::NoInput && end != Effect::NoMemory) {
-        outcome.folders = make_folders(world, faults, end);
+    const End end = end_of(world, faults);
+    Aftermath after = {1, "", message_for(world, end.effect), world.older_page, world.older_json,
+                       {}};
+    if (end.effect >= Effect::NoFolder) {
+        after.folders = made_folders(world, faults);
     }
-    if (end && !faults.has(Effect::LosesPrint)) {
-        outcome.errors = message_for(world, *end);
+    if (end.effect < Effect::CutPage) {
+        return after;
     }
-    if (end && *end != Effect::CutPage && *end != Effect::NoJson && *end != Effect::CutJson) {
-        return outcome;
+    const std::vector<ReportEntry> entries = entries_of(world, listings, faults);
+    const SummaryModel model = {INPUT, entries.data(), entries.size(), VERSION_TEXT};
+    const std::string page = page_of(world, model, faults);
+    after.page = end.effect == Effect::CutPage ? page.substr(0, end.written) : page;
+    if (world.wants_json && end.effect >= Effect::CutJson) {
+        const std::string json = json_of(model);
+        after.json = end.effect == Effect::CutJson ? json.substr(0, end.written) : json;
     }
-    const std::vector<ListedFile> files = files_of(world, listings, faults);
-    outcome.page = page_of(INPUT, files, faults.has(Effect::BareLinks) ? "" : world.link_prefix,
-                           page_time(faults));
-    if (end == Effect::CutPage) {
-        outcome.page->resize(faults.end_number);
+    if (end.effect == Effect::Completes) {
+        after.output = closing_lines(world, model);
+        after.status = std::any_of(entries.begin(), entries.end(), fails_run) ? 1 : 0;
     }
-    if (end == Effect::CutPage || end == Effect::NoJson) {
-        return outcome;
-    }
-    if (world.wants_json) {
-        outcome.json = json_of(INPUT, files);
-    }
-    if (end == Effect::CutJson) {
-        outcome.json->resize(faults.end_number);
-        return outcome;
-    }
-    outcome.output = printed_closing(world, files, faults);
-    outcome.status = status_of(files);
-    return outcome;
+    return after;
 }

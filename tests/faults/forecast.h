@@ -5,34 +5,34 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "faults/watched_run.h"
 #include "faults/world.h"
 
-struct Outcome
+struct Aftermath
 {
     int status = 0;
-    std::string output;
+    std::string output; // as it was meant to be printed
     std::string errors;
     std::optional<std::string> page; // nothing: there is no such file
     std::optional<std::string> json;
     std::vector<std::string> folders; // those of World::missing_folders that there are
-
-    bool operator==(const Outcome&) const = default;
 };
 
-// What a failed call comes to.
+// What a failed call comes to. The first ones end the run, the sooner the earlier they stand.
 enum class Effect
 {
+    NoInput,  // the input directory's message
+    NoMemory, // "out of memory"
+    NoFolder, // the folder's message
+    NoPage,   // the page's message, an older page as it was
+    CutPage,  // the same, but the page is what was written before
+    NoJson,   // the JSON's message, older JSON as it was
+    CutJson,  // the same, but the JSON is what was written before
+    Completes,
     Nothing,
-    NoInput,       // ends the run: the input directory's message
-    NoMemory,      // ends the run: "out of memory"
-    NoFolder,      // ends the run: the folder's message
-    NoPage,        // ends the run: the page's message, an older page as it was
-    CutPage,       // the same, but the page is what was written before
-    NoJson,        // ends the run: the JSON's message, older JSON as it was
-    CutJson,       // the same, but the JSON is what was written before
     ClaimsFolder,  // a missing folder counts as made
     HidesFolder,   // what is below it is not listed
     EndsFolder,    // what would have been listed after it is not
@@ -41,19 +41,22 @@ enum class Effect
     MistakesEntry, // the same under this name
     Unreadable,    // the file becomes an unreadable one
     AsksAgain,     // the same when it happens twice to one file
-    FormsNoPath,   // the same for the file whose turn it is
     BareLinks,     // the page's links are the bare paths
     NoTime,        // the page tells no time
     OldestTime,    // the page tells the second before 1970
-    LosesPrint,    // a message, or a piece of the closing lines, is not printed
 };
+
+// What can fail, and how.
+using FaultKind = std::pair<Call, Answer>;
+const std::vector<FaultKind>& fault_kinds();
 
 // Nothing where no rule says what comes of the call.
 std::optional<Effect> effect_of(const CallRecord& failed);
 
-// listings are those of a run without faults.
-Outcome forecast(const World& world, const Listings& listings,
-                 const std::vector<CallRecord>& failed);
+// listings are those of a run without faults. Page and JSON are what the program's own
+// writers make of the files that are left, when nothing fails.
+Aftermath forecast(const World& world, const Listings& listings,
+                   const std::vector<CallRecord>& failed);
 
 // The paths of the files that such a run lists, in order.
 std::vector<std::string> forecast_list(const World& world, const Listings& listings,

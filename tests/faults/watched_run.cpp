@@ -1,11 +1,14 @@
 #include "faults/watched_run.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <type_traits>
 #include <utility>
 
-namespace {
+#include <fcntl.h>
 
-WatchedRun* current = nullptr;
+namespace {
 
 std::size_t index_of(Call call)
 {
@@ -18,6 +21,30 @@ bool strikes(const Fault& fault, Call call, std::uint64_t number)
            (number == fault.number || (fault.from_then_on && number > fault.number));
 }
 
+// Reads or writes by transfer, which takes the bytes that it may handle.
+template <typename Transfer>
+ssize_t transfer_some(std::optional<Answer> answer, std::size_t count, Transfer transfer)
+{
+    if (!answer) {
+        return transfer(count);
+    }
+    if (*answer == Answer::Short) {
+        return transfer((count + 1) / 2);
+    }
+    errno = EIO;
+    return *answer == Answer::Nothing ? 0 : -1;
+}
+
+// A formatting that fails half way leaves no NUL behind what it wrote.
+int fail_half_way(char* text, std::size_t size, int length)
+{
+    if (text != nullptr && size > 0) {
+        const std::size_t half = std::min(static_cast<std::size_t>(length), size - 1) / 2;
+        std::memset(text + half, '?', size - half);
+    }
+    return -1;
+}
+
 } // namespace
 
 WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records)
@@ -25,42 +52,25 @@ WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faul
 {
 }
 
-WatchedRun::~WatchedRun()
+int WatchedRun::watch(const std::function<int()>& program)
 {
-    stop();
-}
-
-void WatchedRun::start()
-{
-    if (current != nullptr) {
-        std::abort();
+    intercept_memory();
+    intercept_files();
+    intercept_transfers();
+    intercept_folders();
+    intercept_paths();
+    intercept_texts();
+    intercept_time();
+    const int result = program();
+    while (!interceptions_.empty()) {
+        interceptions_.pop_back();
     }
-    current = this;
-}
-
-void WatchedRun::stop()
-{
-    current = nullptr;
+    return result;
 }
 
 std::uint64_t WatchedRun::count(Call call) const
 {
     return counts_[index_of(call)];
-}
-
-const std::vector<CallRecord>& WatchedRun::failed() const
-{
-    return failed_;
-}
-
-const std::vector<CallRecord>& WatchedRun::trace() const
-{
-    return trace_;
-}
-
-const Listings& WatchedRun::listings() const
-{
-    return listings_;
 }
 
 std::string WatchedRun::slips() const
@@ -77,97 +87,229 @@ std::string WatchedRun::slips() const
     return text;
 }
 
+template <typename Result, typename... Arguments, typename Handler>
+void WatchedRun::intercept(InterceptedCall<Result(Arguments...)>& call, Handler handler)
+{
+    interceptions_.push_back(
+        std::make_shared<Interception<Result, Arguments...>>(call, std::move(handler)));
+}
+
+template <typename Result, typename... Arguments>
+void WatchedRun::intercept_refusing(InterceptedCall<Result(Arguments...)>& intercepted, Call call,
+                                    std::type_identity_t<Result> result, int error)
+{
+    intercept(intercepted, [=, this](const auto& next, Arguments... arguments) {
+        return refuses(call, error, file_) ? result : next(arguments...);
+    });
+}
+
+void WatchedRun::intercept_memory()
+{
+    intercept(malloc_call, [this](const auto& next, std::size_t size) -> void* {
+        if (phase_ == Phase::Folders) {
+            begin_assembling();
+        }
+        if (refuses(Call::Malloc, ENOMEM, file_)) {
+            return nullptr;
+        }
+        void* block = next(size);
+        if (block != nullptr) {
+            std::memset(block, 0xA5, size); // what is read before it is written shows
+        }
+        hold(block);
+        if (phase_ == Phase::Entries && block != nullptr) {
+            phase_ = Phase::Reading;
+        }
+        return block;
+    });
+    intercept(realloc_call, [this](const auto& next, void* block, std::size_t size) -> void* {
+        begin_assembling();
+        if (refuses(Call::Realloc, ENOMEM)) {
+            return nullptr;
+        }
+        release(block);
+        void* moved = next(block, size);
+        hold(moved);
+        return moved;
+    });
+    intercept(free_call, [this](const auto& next, void* block) {
+        release(block);
+        next(block);
+    });
+    intercept_refusing(madvise_call, Call::Madvise, -1, EINVAL);
+    intercept_refusing(mallopt_call, Call::Mallopt, 0, EINVAL);
+}
+
+void WatchedRun::intercept_files()
+{
+    intercept(open_call, [this](const auto& next, const char* path, int flags, mode_t mode) {
+        opened(path, (flags & O_ACCMODE) != O_RDONLY);
+        if (const std::optional<Answer> answer = ask(Call::Open, path)) {
+            errno = *answer == Answer::WouldBlock ? EWOULDBLOCK : EMFILE;
+            return -1;
+        }
+        const int file = next(path, flags, mode);
+        if (file >= 0) {
+            files_.insert(file);
+        }
+        return file;
+    });
+    intercept(close_call, [this](const auto& next, int file) {
+        const bool refused = refuses(Call::Close, EIO, file_);
+        closed(file);
+        const int result = next(file);
+        return refused ? -1 : result;
+    });
+    intercept_refusing(lseek_call, Call::Lseek, -1, EIO);
+}
+
+void WatchedRun::intercept_transfers()
+{
+    intercept(pread_call,
+              [this](const auto& next, int file, void* bytes, std::size_t count, off_t offset) {
+                  return transfer_some(ask(Call::Pread, file_), count, [&](std::size_t some) {
+                      return next(file, bytes, some, offset);
+                  });
+              });
+    intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
+        return transfer_some(ask(Call::Write, file_, written_), count, [&](std::size_t some) {
+            const ssize_t written = next(file, bytes, some);
+            written_ += written > 0 ? static_cast<std::uint64_t>(written) : 0;
+            return written;
+        });
+    });
+}
+
+void WatchedRun::intercept_folders()
+{
+    // The first opening only tries whether there is such a directory.
+    intercept(opendir_call, [this](const auto& next, const char* path) -> DIR* {
+        if (phase_ == Phase::Start && count(Call::Opendir) > 0) {
+            phase_ = Phase::Walk;
+        }
+        DIR* listing = refuses(Call::Opendir, EMFILE, path) ? nullptr : next(path);
+        if (listing != nullptr) {
+            folders_[listing] = {path, 0};
+            listings_[path].clear();
+        } else {
+            leave_folder();
+        }
+        return listing;
+    });
+    intercept(readdir_call, [this](const auto& next, DIR* listing) -> dirent* {
+        Listing& folder = folders_.at(listing);
+        if (refuses(Call::Readdir, EIO, folder.path, folder.listed)) {
+            return nullptr;
+        }
+        dirent* entry = next(listing);
+        if (entry != nullptr) {
+            ++folder.listed;
+            listings_[folder.path].emplace_back(entry->d_name);
+        }
+        return entry;
+    });
+    intercept(closedir_call, [this](const auto& next, DIR* listing) {
+        const bool refused = refuses(Call::Closedir, EIO, folders_[listing].path);
+        slips_ += folders_[listing].path.empty() ? "closed a folder that was not open\n" : "";
+        folders_.erase(listing);
+        leave_folder();
+        const int result = next(listing);
+        return refused ? -1 : result;
+    });
+}
+
+void WatchedRun::intercept_paths()
+{
+    intercept(stat_call, [this](const auto& next, const char* path, struct stat* status) {
+        begin_folders();
+        return refuses(Call::Stat, EACCES, path) ? -1 : next(path, status);
+    });
+    intercept(mkdir_call, [this](const auto& next, const char* path, mode_t mode) {
+        begin_folders();
+        if (const std::optional<Answer> answer = ask(Call::Mkdir, path)) {
+            errno = *answer == Answer::Exists ? EEXIST : EACCES;
+            return -1;
+        }
+        return next(path, mode);
+    });
+    intercept(realpath_call, [this](const auto& next, const char* path, char* resolved) -> char* {
+        begin_assembling();
+        return refuses(Call::Realpath, EACCES, path) ? nullptr : next(path, resolved);
+    });
+}
+
+void WatchedRun::intercept_texts()
+{
+    intercept(format_call, [this](const auto& next, char* text, std::size_t size,
+                                  const char* format, va_list values) {
+        begin_assembling();
+        const bool refused = refuses(Call::Format, ENOMEM);
+        const int length = next(text, size, format, values);
+        return refused ? fail_half_way(text, size, length) : length;
+    });
+    intercept(print_call, [this](const auto&, std::FILE* stream, std::string_view text) {
+        (stream == stderr ? errors_ : output_) += text;
+        return refuses(Call::Print, ENOSPC) ? std::size_t{0} : text.size();
+    });
+}
+
+void WatchedRun::intercept_time()
+{
+    intercept(time_call, [this](const auto&, std::time_t*) {
+        return refuses(Call::Time, EFAULT) ? std::time_t{-1} : WATCHED_TIME;
+    });
+    intercept_refusing(gmtime_r_call, Call::Gmtime, nullptr, EOVERFLOW);
+    intercept_refusing(strftime_call, Call::Strftime, 0, ERANGE);
+}
+
 std::optional<Answer> WatchedRun::ask(Call call, std::string_view subject, std::uint64_t number)
 {
     const std::uint64_t nth = ++counts_[index_of(call)];
+    const auto record = [&](Answer answer) {
+        return CallRecord{call, phase_, answer, std::string(subject), number, called_name()};
+    };
     if (records_) {
-        trace_.push_back({call, phase_, Answer::Refuse, std::string(subject), number});
+        trace_.push_back(record(Answer::Refuse));
     }
     for (const Fault& fault : faults_) {
         if (strikes(fault, call, nth)) {
-            failed_.push_back({call, phase_, fault.answer, std::string(subject), number});
+            failed_.push_back(record(fault.answer));
             return fault.answer;
         }
     }
     return std::nullopt;
 }
 
-Phase WatchedRun::phase() const
+bool WatchedRun::refuses(Call call, int error, std::string_view subject, std::uint64_t number)
 {
-    return phase_;
+    if (!ask(call, subject, number)) {
+        return false;
+    }
+    errno = error;
+    return true;
 }
 
-void WatchedRun::enter(Phase phase)
+// The folders above the page are looked at before, one at least.
+void WatchedRun::begin_assembling()
 {
-    phase_ = phase;
-    counts_before_phase_ = counts_;
-}
-
-const std::string& WatchedRun::file() const
-{
-    return file_;
-}
-
-// The first opening only tries whether there is such a directory.
-void WatchedRun::before_opening_folder()
-{
-    if (phase_ == Phase::Start && count(Call::Opendir) > 0) {
-        enter(Phase::Walk);
+    if (phase_ == Phase::Folders) {
+        phase_ = Phase::Page;
     }
 }
 
-void WatchedRun::opened_folder(DIR* listing, const char* path)
+void WatchedRun::begin_folders()
 {
-    if (listing != nullptr) {
-        folders_[listing] = {path, 0};
-        listings_[path];
-    } else if (phase_ == Phase::Walk && folders_.empty()) {
-        enter(Phase::Entries);
+    if (phase_ == Phase::Entries || phase_ == Phase::Reading) {
+        phase_ = Phase::Folders;
     }
 }
 
-void WatchedRun::closed_folder(DIR* listing)
-{
-    if (folders_.erase(listing) == 0) {
-        slips_ += "closed a folder that was not open\n";
-    }
-    if (phase_ == Phase::Walk && folders_.empty()) {
-        enter(Phase::Entries);
-    }
-}
-
-std::string WatchedRun::folder(DIR* listing) const
-{
-    return folders_.at(listing).path;
-}
-
-std::uint64_t WatchedRun::listed(DIR* listing) const
-{
-    return folders_.at(listing).listed;
-}
-
-void WatchedRun::listed_entry(DIR* listing, const char* name)
-{
-    Listing& folder = folders_.at(listing);
-    ++folder.listed;
-    if (records_) {
-        listings_[folder.path].emplace_back(name);
-    }
-}
-
-void WatchedRun::before_opening(const char* path, bool for_writing)
+void WatchedRun::opened(const char* path, bool for_writing)
 {
     file_ = path;
-    accepted_ = 0;
+    written_ = 0;
     if (for_writing) {
-        enter(file_ == page_ ? Phase::PageFile : Phase::JsonFile);
-    }
-}
-
-void WatchedRun::opened(int file)
-{
-    if (file >= 0) {
-        files_.insert(file);
+        phase_ = file_ == page_ ? Phase::PageFile : Phase::JsonFile;
     }
 }
 
@@ -178,76 +320,39 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        enter(with_json_ ? Phase::Json : Phase::Closing);
+        phase_ = with_json_ ? Phase::Json : Phase::Closing;
     } else if (phase_ == Phase::JsonFile) {
-        enter(Phase::Closing);
+        phase_ = Phase::Closing;
     }
 }
 
-void WatchedRun::accepted(std::uint64_t bytes)
+void WatchedRun::leave_folder()
 {
-    accepted_ += bytes;
+    if (phase_ == Phase::Walk && folders_.empty()) {
+        phase_ = Phase::Entries;
+    }
 }
 
-std::uint64_t WatchedRun::accepted_bytes() const
-{
-    return accepted_;
-}
-
-void WatchedRun::allocated(void* block)
+void WatchedRun::hold(void* block)
 {
     if (block != nullptr) {
         blocks_.insert(block);
     }
-    if (phase_ == Phase::Entries && block != nullptr) {
-        enter(Phase::Reading);
-    }
 }
 
-void WatchedRun::released(void* block)
+void WatchedRun::release(void* block)
 {
     if (block != nullptr && blocks_.erase(block) == 0) {
         slips_ += "released a block that was not held\n";
     }
 }
 
-void WatchedRun::before_folder_question()
-{
-    if (phase_ == Phase::Entries || phase_ == Phase::Reading) {
-        enter(Phase::Folders);
-    }
-}
-
-void WatchedRun::before_assembling()
-{
-    if (phase_ == Phase::Entries || phase_ == Phase::Reading || phase_ == Phase::Folders) {
-        enter(Phase::Page);
-    }
-}
-
-std::uint64_t WatchedRun::count_before(Call call) const
-{
-    return counts_[index_of(call)] - counts_before_phase_[index_of(call)];
-}
-
-WatchedRun* watched_run()
-{
-    return current;
-}
-
-std::map<std::string_view, std::uint64_t>& name_hits()
-{
-    // Never destroyed: what runs at exit, such as the counting of coverage, comes by, too.
-    static auto* hits = new std::map<std::string_view, std::uint64_t>;
-    return *hits;
-}
-
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",   "realloc", "open",     "lseek",    "pread",    "write",    "close",
-        "opendir",  "readdir", "closedir", "stat",     "mkdir",    "realpath", "vsnprintf",
-        "snprintf", "print",   "time",     "gmtime_r", "strftime", "madvise",  "mallopt"};
+        "malloc",  "realloc", "open",     "lseek",    "pread",   "write",    "close",
+        "opendir", "readdir", "closedir", "stat",     "mkdir",   "realpath", "format",
+        "print",   "time",    "gmtime_r", "strftime", "madvise", "mallopt"};
     return NAMES[index_of(call)];
 }
 

@@ -1,20 +1,19 @@
 // The folders that the runs under faults work in.
 //
 // World makes a tree of reports below "in" in a temporary folder, which becomes the
-// current directory for as long as it lives: so every path, and with it every count of
-// calls, is the same wherever temporary folders lie.
+// current directory for as long as it lives: so every path is the same wherever temporary
+// folders lie.
 
 #pragma once
 
 #include <filesystem>
-#include <iosfwd>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "faults/expected_outputs.h"
+#include "report/report_entry.h"
 #include "support/temp_folder.h"
 
 enum class Scene
@@ -26,10 +25,9 @@ enum class Scene
     NoJson,         // as AllPassed, without --json, beside older JSON
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
+inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage, Scene::OlderPage,
+                                         Scene::MissingFolders, Scene::AllPassed, Scene::NoJson};
 const char* name_of(Scene scene);
-
-// How GoogleTest shows a scene; else it prints the bytes.
-void PrintTo(Scene scene, std::ostream* output);
 
 inline constexpr char INPUT[] = "in";
 
@@ -47,8 +45,8 @@ public:
     std::string page; // as typed
     bool wants_json = true;
     std::string json;                         // where it is, or would be
-    std::string link_prefix;                  // from the page's folder to INPUT, with "/"
-    std::map<std::string, KnownFile> files;   // by their path below INPUT, links included
+    std::map<std::string, ReportEntry> files; // as they are read; by their path below INPUT
+    std::set<std::string> empty_files;        // those of files that hold no bytes
     std::set<std::string> page_names;         // those of files that are the older page
     std::vector<std::string> missing_folders; // outermost first
     std::optional<std::string> older_page;
@@ -58,12 +56,14 @@ public:
     std::vector<std::string> names() const;
 
 private:
-    void add(const std::string& path, const KnownFile& file);
+    void add(const std::string& path, const std::string& document);
+    void add_link(const std::string& target, const std::string& path);
     void add_few();
     void add_many();
     void add_tree();
     void add_oddities();
     void add_older_outputs();
+    void read_files();
 
     TempFolder temp_;
     std::filesystem::path before_;

@@ -26,6 +26,12 @@ const NGINX = process.env.FTHSUMMARY_NGINX;
 const POLICY_TOOL = path.join(SOURCE, "docs/content-policy");
 const RECIPE = fencedBlocks("docs/ci.md").find(({ file }) => file === "fthsummary.nginx").text;
 const POLICY = RECIPE.match(/Content-Security-Policy "(default-src [^"]*)"/)[1];
+const JENKINS_RECIPE = "/var/lib/jenkins/init.groovy.d/fthsummary.groovy";
+const JENKINS_POLICY = fencedBlocks("docs/ci.md")
+  .find(({ file }) => file === JENKINS_RECIPE)
+  .text.match(/^System\.setProperty\('hudson\.model\.DirectoryBrowserSupport\.CSP',\n {4}"([^"$\\]*)"\)\n$/)[1];
+// What Jenkins sends by itself; older versions without allow-same-origin.
+const JENKINS_DEFAULT = "sandbox allow-same-origin; default-src 'none'; img-src 'self'; style-src 'self';";
 
 let browser;
 before(async () => {
@@ -205,6 +211,60 @@ test("a link on the page opens its report, which is served in a sandbox", async 
   assert.equal(response.status(), 200);
   assert.equal(response.headers()["content-security-policy"], "sandbox allow-scripts");
 });
+
+test("the policy for Jenkins adds the page's hashes to Jenkins' own policy, and no more", () => {
+  const parsed = (policy) =>
+    Object.fromEntries(policy.split(/; ?/).filter(Boolean).map((part) => {
+      const [directive, ...words] = part.split(" ");
+      return [directive, words];
+    }));
+  const own = parsed(POLICY);
+  assert.deepEqual(parsed(JENKINS_POLICY), {
+    ...parsed(JENKINS_DEFAULT),
+    sandbox: ["allow-scripts"],
+    "script-src": own["script-src"],
+    "style-src": ["'self'", ...own["style-src"]],
+    "style-src-attr": own["style-src-attr"],
+  });
+});
+
+test("the page works under the policy for Jenkins, nothing is blocked", async (t) => {
+  const { page, blocked, errors } = await open(t, await serve(t, bundled(t), JENKINS_POLICY));
+  assert.equal(await style(page, "th[style]", "text-align"), "left");
+  await page.click("#themeToggle");
+  assert.equal(await style(page, "body", "background-color"), "rgb(14, 19, 24)");
+  await page.reload({ waitUntil: "networkidle" });
+  assert.equal(await style(page, "body", "background-color"), "rgb(238, 241, 244)");
+  assert.deepEqual({ blocked, errors }, { blocked: [], errors: [] });
+
+  const many = await open(t, await serve(t, manyPassed(t), JENKINS_POLICY));
+  await many.page.click("[data-dt-next]");
+  assert.equal(await many.page.textContent(".dt-pager-status"), "Page 2 of 2");
+  assert.deepEqual({ blocked: many.blocked, errors: many.errors }, { blocked: [], errors: [] });
+});
+
+for (const policy of [JENKINS_DEFAULT, JENKINS_DEFAULT.replace(" allow-same-origin", "")]) {
+  test(`under "${policy}" the page is as the document says`, async (t) => {
+    const { page } = await open(t, await serve(t, manyPassed(t), policy));
+    assert.equal(await style(page, "body", "background-color"), "rgba(0, 0, 0, 0)");
+    assert.equal(await style(page, "td", "border-bottom-width"), "0px");
+    // The button's icon fills the window; all else is below it.
+    const icon = await page.locator("svg").first().boundingBox();
+    const size = page.viewportSize();
+    assert.ok(icon.width > size.width * 0.9 && icon.height > size.height * 0.9, JSON.stringify(icon));
+    assert.equal(await style(page, "svg", "fill"), "none");
+    assert.equal(await style(page, "svg", "stroke"), "none");
+    assert.ok((await page.locator("table").first().boundingBox()).y > icon.y + icon.height);
+    assert.equal(await page.locator("tbody tr:visible").count(), 150);
+    await page.click("#themeToggle");
+    assert.equal(await style(page, "body", "background-color"), "rgba(0, 0, 0, 0)");
+    const [response] = await Promise.all([
+      page.waitForResponse((each) => each.request().isNavigationRequest()),
+      page.locator("tbody a").first().click(),
+    ]);
+    assert.equal(response.status(), 200);
+  });
+}
 
 // Each hash of the policy with the directive that it is of.
 const HASHES = POLICY.split("; ").flatMap((part) => {

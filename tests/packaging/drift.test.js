@@ -272,6 +272,28 @@ test("the lines of JSON in the README are the program's", (t) => {
   assert.ok(file.includes(lines.slice(pathLine).join("\n")), block.text);
 });
 
+test("README, docs/ci.md and man page name each filter, and say the same of it", () => {
+  const filters = fs.readdirSync(path.join(SOURCE, "filters")).sort();
+  assert.deepEqual(filters, ["github.jq", "junit.jq", "markdown.jq", "prometheus.jq"]);
+  const rows = (text) => [...text.matchAll(/^\| `(\w+\.jq)` \| (.*) \| (.*) \|$/gm)].map((row) => row.slice(1));
+  const tables = [README, read(SOURCE, "docs/ci.md")].map(rows);
+  for (const table of tables) {
+    assert.deepEqual(table.map(([file]) => file).sort(), filters);
+  }
+  tables[0].forEach(([, gives, readers], i) => {
+    assert.ok(tables[1][i][1].startsWith(gives), gives);
+    assert.equal(tables[1][i][2], readers);
+  });
+  const files = MANUAL.match(/^\.It Pa \/usr\/share\/fthsummary\/filters\n(.*?)^\.El/ms)[1];
+  assert.deepEqual(matches(files, /^\.Pa (\w+\.jq)$/gm), filters);
+});
+
+test("each filter's own words name it as it is used", () => {
+  for (const name of fs.readdirSync(path.join(SOURCE, "filters"))) {
+    assert.match(read(SOURCE, "filters", name), new RegExp(`^#   jq -r -f ${name} summary.json`, "m"));
+  }
+});
+
 test("the bundled reports show every verdict", (t) => {
   assert.deepEqual(unique(bundledReports(t).map((each) => each.verdict)), ["ERROR", "FAIL", "PASS"]);
 });

@@ -45,6 +45,7 @@ test("the package names its section, its architecture and what the program needs
   const depends = field("Depends").split(", ");
   assert.ok(depends.some((each) => /^libc6 \(>= [\d.]+\)$/.test(each)), depends.join());
   assert.equal(depends.length, 1, depends.join());
+  assert.ok(field("Suggests").split(", ").includes("jq"));
 });
 
 test("man page and changelog are packed, completions are where their shells look", () => {
@@ -58,6 +59,10 @@ test("man page and changelog are packed, completions are where their shells look
     "usr/share/bash-completion/completions/fthsummary",
     "usr/share/zsh/vendor-completions/_fthsummary",
     "usr/share/fish/vendor_completions.d/fthsummary.fish",
+    "usr/share/fthsummary/filters/github.jq",
+    "usr/share/fthsummary/filters/junit.jq",
+    "usr/share/fthsummary/filters/markdown.jq",
+    "usr/share/fthsummary/filters/prometheus.jq",
   ]) {
     assert.ok(list.includes(` ./${file}\n`), file);
   }

@@ -8,10 +8,11 @@ import {
   EXAMPLES,
   FIRST,
   SOURCE,
+  addMakefile,
   copyReport,
   fencedBlocks,
+  makeProject,
   matchJson,
-  packageOf,
   read,
   run,
   summarise,
@@ -29,8 +30,12 @@ const FILES = [
   "Makefile",
   ".github/workflows/reports.yml",
   ".gitlab-ci.yml",
+  "Jenkinsfile",
+  "/var/lib/jenkins/init.groovy.d/fthsummary.groovy",
   "/etc/cron.d/fthsummary",
   "print-counts",
+  "mail-table",
+  "write-metrics",
   "fthsummary.nginx",
   "summarise-all",
   "summarise-all-in-order",
@@ -40,8 +45,9 @@ const FILES = [
 test("the document shows exactly the files that are tested", () => {
   const shown = fencedBlocks("docs/ci.md").map(({ file }) => file);
   assert.deepEqual(shown, FILES);
-  const tests = read(SOURCE, "tests/packaging/content_policy.test.js") +
-    read(SOURCE, "tests/packaging/recipes.test.js").replace(/^const FILES = .*?;$/ms, "");
+  const tests = ["content_policy.test", "recipes.test", "ci_recipes.test", "support"]
+    .map((name) => read(SOURCE, `tests/packaging/${name}.js`).replace(/^const FILES = .*?;$/ms, ""))
+    .join("");
   for (const file of FILES) {
     assert.ok(tests.includes(`"${file}"`), file);
   }
@@ -50,21 +56,11 @@ test("the document shows exactly the files that are tested", () => {
 test("shellcheck has nothing to say about the shell scripts", (t) => {
   const folder = temporaryFolder(t);
   const scripts = fencedBlocks("docs/ci.md").filter(({ language }) => language === "sh");
-  assert.ok(scripts.length >= 6);
+  assert.ok(scripts.length >= 8);
   for (const { file } of scripts) {
     run("shellcheck", [writeRecipe(file, folder)]);
   }
 });
-
-// A project with reports, those of the verdicts given.
-function makeProject(t, verdicts) {
-  const folder = temporaryFolder(t);
-  fs.mkdirSync(`${folder}/reports`);
-  for (const verdict of verdicts) {
-    copyReport(t, verdict, `${folder}/reports/${verdict}.html`);
-  }
-  return folder;
-}
 
 test("check-reports tells good reports, bad reports and no summary apart", (t) => {
   const folder = makeProject(t, ["PASS"]);
@@ -92,73 +88,15 @@ test("as-strict-as-the-page fails for a file that is no report, too", (t) => {
   strict(1);
 });
 
-// make-reports stands for whatever makes the reports.
-function addMakefile(t, folder) {
-  writeRecipe("Makefile", folder);
-  fs.writeFileSync(`${folder}/make-reports`, "#!/bin/sh\ntouch made\n", { mode: 0o755 });
-}
-
 test("the Makefile makes the reports and fails when one of them failed", (t) => {
   for (const [verdicts, status] of [[["PASS"], 0], [["PASS", "ERROR"], 2]]) {
     const folder = makeProject(t, verdicts);
-    addMakefile(t, folder);
+    addMakefile(folder);
     run("make", ["check-reports"], { cwd: folder, status, ...ENV });
     assert.ok(fs.existsSync(`${folder}/made`));
     assert.ok(fs.existsSync(`${folder}/reports/index.html`));
   }
 });
-
-function parseYaml(file) {
-  const script = "import json, sys, yaml; print(json.dumps(yaml.load(sys.stdin, yaml.BaseLoader)))";
-  return JSON.parse(run("/usr/bin/python3", ["-c", script], { input: read(file) }).stdout);
-}
-
-// A project on a machine where the program is not installed yet: apt-get unpacks the
-// package into a folder.
-function makeCiProject(t, verdicts) {
-  const folder = makeProject(t, verdicts);
-  addMakefile(t, folder);
-  fs.mkdirSync(`${folder}/ci`);
-  fs.copyFileSync(packageOf(FIRST), `${folder}/ci/fthsummary.deb`);
-  fs.mkdirSync(`${folder}/stubs`);
-  fs.writeFileSync(`${folder}/stubs/sudo`, '#!/bin/sh\nexec "$@"\n', { mode: 0o755 });
-  const aptGet = `#!/bin/sh
-for argument; do
-    case $argument in ./*) dpkg-deb -x "$argument" "${folder}/machine" || exit ;; esac
-done
-`;
-  fs.writeFileSync(`${folder}/stubs/apt-get`, aptGet, { mode: 0o755 });
-  return folder;
-}
-
-// Runs the lines as a CI system does: all but the last must end with 0.
-function runLines(folder, lines, lastStatus) {
-  const env = { PATH: `${folder}/stubs:${folder}/machine/usr/bin:/usr/bin:/bin` };
-  lines.forEach((line, index) => {
-    const status = index === lines.length - 1 ? lastStatus : 0;
-    run("sh", ["-e", "-c", line], { cwd: folder, env, status });
-  });
-}
-
-for (const [verdicts, status] of [[["PASS"], 0], [["PASS", "FAIL"], 1]]) {
-  test(`the GitHub job ends with ${status} for ${verdicts.join(" and ")}, and keeps the page`, (t) => {
-    const folder = makeCiProject(t, verdicts);
-    const { steps } = parseYaml(writeRecipe(".github/workflows/reports.yml", folder)).jobs.summary;
-    runLines(folder, steps.map((step) => step.run).filter(Boolean), status);
-    const upload = steps.find((step) => step.uses?.startsWith("actions/upload-artifact@"));
-    assert.equal(upload.if, "always()");
-    assert.ok(fs.existsSync(path.join(folder, upload.with.path, "index.html")));
-    assert.equal(steps.at(-1), upload);
-  });
-
-  test(`the GitLab job ends with ${status} for ${verdicts.join(" and ")}, and keeps the page`, (t) => {
-    const folder = makeCiProject(t, verdicts);
-    const { summary } = parseYaml(writeRecipe(".gitlab-ci.yml", folder));
-    runLines(folder, summary.script, status);
-    assert.equal(summary.artifacts.when, "always");
-    assert.ok(fs.existsSync(path.join(folder, summary.artifacts.paths[0], "index.html")));
-  });
-}
 
 test("the cron job prints the counts, and none when there is no summary", (t) => {
   const folder = makeProject(t, ["PASS", "FAIL", "ERROR"]);

@@ -136,3 +136,19 @@ export function writeRecipe(name, folder, { mode = 0o755, edit = (text) => text 
   fs.writeFileSync(target, edit(block.text), { mode });
   return target;
 }
+
+// A folder with a folder of reports, those of the verdicts given.
+export function makeProject(test, verdicts) {
+  const folder = temporaryFolder(test);
+  fs.mkdirSync(`${folder}/reports`);
+  for (const verdict of verdicts) {
+    copyReport(test, verdict, `${folder}/reports/${verdict}.html`);
+  }
+  return folder;
+}
+
+// The document's Makefile, and what stands for whatever makes the reports.
+export function addMakefile(folder) {
+  writeRecipe("Makefile", folder);
+  fs.writeFileSync(`${folder}/make-reports`, "#!/bin/sh\ntouch made\n", { mode: 0o755 });
+}

@@ -33,21 +33,6 @@ std::string cut(Text text, std::size_t most)
     return std::string(text.value_or("").substr(0, most));
 }
 
-// An ampersand that comes out of a reference begins none: it is the last to be replaced.
-std::string decoded(std::string text)
-{
-    constexpr std::pair<std::string_view, std::string_view> REFERENCES[] = {
-        {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&#39;", "'"}, {"&amp;", "&"}};
-    for (const auto& [reference, character] : REFERENCES) {
-        std::size_t at = text.find(reference);
-        while (at != std::string::npos) {
-            text.replace(at, reference.size(), character);
-            at = text.find(reference, at + 1);
-        }
-    }
-    return text;
-}
-
 void read_tabs(Text bar, ReadReport& report)
 {
     while (report.failed_checks.size() < 16 && report.non_gating_checks.size() < 16) {
@@ -79,6 +64,21 @@ void read_modes(Text text, ReadReport& report)
 
 } // namespace
 
+// An ampersand that comes out of a reference begins none: it is the last to be replaced.
+std::string naive_decoded(std::string text)
+{
+    constexpr std::pair<std::string_view, std::string_view> REFERENCES[] = {
+        {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&#39;", "'"}, {"&amp;", "&"}};
+    for (const auto& [reference, character] : REFERENCES) {
+        std::size_t at = text.find(reference);
+        while (at != std::string::npos) {
+            text.replace(at, reference.size(), character);
+            at = text.find(reference, at + 1);
+        }
+    }
+    return text;
+}
+
 ReadReport naive_scrape(std::string_view file)
 {
     ReadReport report;
@@ -91,7 +91,7 @@ ReadReport naive_scrape(std::string_view file)
     if (without(verdict, "ERROR")) {
         report.kind = ReportKind::RunError;
         const Text error = before(behind(text, "<p class=\"run-error\">"), "</p>");
-        report.error = cut(decoded(std::string(error.value_or(""))), 639);
+        report.error = cut(naive_decoded(std::string(error.value_or(""))), 639);
         return report;
     }
     report.kind = ReportKind::Analyzed;

@@ -28,3 +28,6 @@ struct ReadReport
 
 // What a file of these bytes ought to be read as.
 ReadReport naive_scrape(std::string_view file);
+
+// text with the five references replaced by their characters, in one pass.
+std::string naive_decoded(std::string text);

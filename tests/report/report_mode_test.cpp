@@ -121,13 +121,6 @@ TEST(ReportMode, ItsTextsAreCutToTheirFirst39Bytes)
                  sub);
 }
 
-TEST(ReportMode, ItsTextsMayBeCutInsideAUtf8Character)
-{
-    const std::string text(38, 'm');
-    expect_modes(mode_figure(text + "\xc3\xa9", text + "\xe2\x82\xac"), text + "\xc3",
-                 text + "\xe2");
-}
-
 TEST(ReportMode, TheFirstFigureCountsEvenIfItIsBroken)
 {
     expect_modes(mode_figure("one", "") + mode_figure("two", "sub"), "one", "");

@@ -25,13 +25,6 @@ TEST(ReportSize, AMillionTabsThatAreNearlyFailingAreAllPassedOver)
     EXPECT_EQ(report.analysis_mode, "Loopback");
 }
 
-TEST(ReportSize, AMillionUnclosedTabsTakeInTheFirstFailingOneAfterThem)
-{
-    const ReadReport report = scrape(verdict("FAIL") + bar(repeated("<a x>padding", MILLION) +
-                                                           gating_tab("in") + gating_tab("Level")));
-    EXPECT_EQ(report.failed_checks, Names({"Level"}));
-}
-
 TEST(ReportSize, FourMillionTabsWithoutAClosingAngleAreOne)
 {
     const ReadReport report =
@@ -39,15 +32,6 @@ TEST(ReportSize, FourMillionTabsWithoutAClosingAngleAreOne)
                "</nav>" + mode_figure("Loopback", ""));
     EXPECT_EQ(report.failed_checks, Names());
     EXPECT_EQ(report.analysis_mode, "Loopback");
-}
-
-TEST(ReportSize, AnOpeningTagOfTwelveMillionBytesIsSearchedToItsEnd)
-{
-    const ReadReport report =
-        scrape(verdict("FAIL") +
-               bar("<a" + repeated(" data-fai", MILLION) + " data-fail" +
-                   repeated(" data-nongatin", MILLION / 4) + " data-nongating>Level</a>"));
-    EXPECT_EQ(report.non_gating_checks, Names({"Level"}));
 }
 
 TEST(ReportSize, BarsThatNeverEndYieldNoNames)
@@ -73,14 +57,6 @@ TEST(ReportSize, ARepeatedPrefixOfTheModeLabelIsNone)
                mode_figure("Loopback", "stereo"));
     EXPECT_EQ(report.analysis_mode, "Loopback");
     EXPECT_EQ(report.analysis_mode_sub, "stereo");
-}
-
-TEST(ReportSize, AModeOfTwelveMillionBytesIsCut)
-{
-    const std::string text = repeated("</div", 12 * MILLION / 5);
-    const ReadReport report = scrape(verdict("FAIL") + mode_figure(text, text));
-    EXPECT_EQ(report.analysis_mode, text.substr(0, 39));
-    EXPECT_EQ(report.analysis_mode_sub, text.substr(0, 39));
 }
 
 TEST(ReportSize, ErrorParagraphsThatNeverEndGiveNoErrorText)

@@ -1,14 +1,12 @@
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include "scan/file_list.h"
-#include "support/allocation_faults.h"
+#include "support/call_faults.h"
 
 namespace {
 
@@ -68,24 +66,14 @@ TEST(FileList, InitMakesItEmptyAndAllocatesNothing)
     EXPECT_EQ(allocation_count(), before);
 }
 
-TEST(FileList, FreeLeavesItEmptyAndIsHarmlessOnAnEmptyList)
-{
-    FileList list;
-    file_list_init(list);
-    file_list_free(list);
-    expect_empty(list);
-    fill(list, 100);
-    file_list_free(list);
-    expect_empty(list);
-    file_list_free(list);
-    expect_empty(list);
-}
-
-TEST(FileList, AFreedListMayBeFilledAgain)
+TEST(FileList, FreeLeavesItEmptyAndReadyToBeFilledAgain)
 {
     List list;
+    file_list_free(list);
+    expect_empty(list);
     fill(list, 65);
     file_list_free(list);
+    expect_empty(list);
     fill(list, 2);
     expect_numbered(list, 2, 64);
 }
@@ -97,9 +85,8 @@ TEST(FileList, StartsWith64SlotsAndDoublesOnlyWhenFull)
         std::uint64_t count;
         std::uint64_t capacity;
     };
-    const Row rows[] = {{1, 64},    {2, 64},     {63, 64},     {64, 64},    {65, 128},
-                        {127, 128}, {128, 128},  {129, 256},   {256, 256},  {257, 512},
-                        {512, 512}, {513, 1024}, {1024, 1024}, {1025, 2048}};
+    const Row rows[] = {{1, 64},    {63, 64},   {64, 64},   {65, 128},   {128, 128},
+                        {129, 256}, {256, 256}, {257, 512}, {1025, 2048}};
     List list;
     for (const Row& row : rows) {
         fill(list, row.count);
@@ -107,26 +94,21 @@ TEST(FileList, StartsWith64SlotsAndDoublesOnlyWhenFull)
     }
 }
 
-// Blocks of 24 bytes are the largest of their class: one byte more would show.
-TEST(FileList, ACopyTakesThePathsBytesAndItsNul)
-{
-    List list;
-    ASSERT_TRUE(file_list_append(list, std::string(23, 'p')));
-    void* const block = std::malloc(24);
-    EXPECT_EQ(malloc_usable_size(list.paths[0]), malloc_usable_size(block));
-    std::free(block);
-}
-
 TEST(FileList, AllocatesOneCopyAPathAndTheArrayOnlyWhenItGrows)
 {
     List list;
-    const std::uint64_t before = allocation_count();
-    fill(list, 1);
-    EXPECT_EQ(allocation_count(), before + 2);
     fill(list, 64);
-    EXPECT_EQ(allocation_count(), before + 65);
-    fill(list, 65);
-    EXPECT_EQ(allocation_count(), before + 67);
+    std::vector<std::size_t> sizes;
+    const Interception note(malloc_call, [&](const auto& next, std::size_t size) {
+        sizes.push_back(size);
+        return next(size);
+    });
+    const std::uint64_t arrays = realloc_call.made;
+    ASSERT_TRUE(file_list_append(list, std::string(23, 'p')));
+    EXPECT_EQ(realloc_call.made, arrays + 1);
+    ASSERT_TRUE(file_list_append(list, ""));
+    EXPECT_EQ(realloc_call.made, arrays + 1);
+    EXPECT_EQ(sizes, std::vector<std::size_t>({24, 1}));
 }
 
 TEST(FileList, StringsKeepTheirAddressWhileTheListGrows)
@@ -142,94 +124,47 @@ TEST(FileList, StringsKeepTheirAddressWhileTheListGrows)
     }
 }
 
-TEST(FileList, OwnsCopiesOfTheTexts)
-{
-    List list;
-    std::string path = "a/r.html";
-    ASSERT_TRUE(file_list_append(list, path));
-    ASSERT_TRUE(file_list_append(list, path));
-    path.assign("changed!");
-    EXPECT_STREQ(list.paths[0], "a/r.html");
-    EXPECT_STREQ(list.paths[1], "a/r.html");
-    EXPECT_NE(list.paths[0], list.paths[1]);
-}
-
-TEST(FileList, TakesExactlyTheBytesOfTheView)
+TEST(FileList, OwnsCopiesOfExactlyTheBytesOfTheViews)
 {
     std::string bytes;
     for (int byte = 1; byte < 256; ++byte) {
         bytes += static_cast<char>(byte);
     }
-    const std::string long_path(4095, 'p');
+    std::string changing = "a/r.html";
     List list;
-    ASSERT_TRUE(file_list_append(list, std::string_view("a/r.html").substr(2, 3)));
-    ASSERT_TRUE(file_list_append(list, ""));
-    ASSERT_TRUE(file_list_append(list, bytes));
-    ASSERT_TRUE(file_list_append(list, long_path));
-    EXPECT_STREQ(list.paths[0], "r.h");
-    EXPECT_STREQ(list.paths[1], "");
-    EXPECT_EQ(list.paths[2], bytes);
-    EXPECT_EQ(list.paths[3], long_path);
+    for (const std::string_view path :
+         {std::string_view(changing), std::string_view(changing),
+          std::string_view(changing).substr(2, 3), std::string_view(), std::string_view(bytes)}) {
+        ASSERT_TRUE(file_list_append(list, path));
+    }
+    changing.assign("changed!");
+    EXPECT_STREQ(list.paths[0], "a/r.html");
+    EXPECT_STREQ(list.paths[1], "a/r.html");
+    EXPECT_NE(list.paths[0], list.paths[1]);
+    EXPECT_STREQ(list.paths[2], "r.h");
+    EXPECT_STREQ(list.paths[3], "");
+    EXPECT_EQ(list.paths[4], bytes);
 }
 
-TEST(FileList, WithoutMemoryForTheFirstArrayStaysEmpty)
+TEST(FileList, WithoutMemoryKeepsWhatItHolds)
 {
-    List list;
+    struct Row
     {
-        const AllocationFault fault(1, AllocationFault::Length::Once);
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-        EXPECT_EQ(fault.failures(), 1U);
+        std::uint64_t count;      // paths before
+        std::uint64_t allocation; // that fails, and all later ones
+    };
+    // The first array, its first copy, a larger array, a copy after that, any other copy.
+    for (const Row& row : {Row{0, 1}, Row{0, 2}, Row{64, 1}, Row{64, 2}, Row{70, 1}}) {
+        List list;
+        fill(list, row.count);
+        {
+            const AllocationFault fault(row.allocation);
+            EXPECT_FALSE(file_list_append(list, "lost.html"));
+            EXPECT_FALSE(file_list_append(list, "lost.html"));
+            EXPECT_EQ(fault.failures(), 2U);
+        }
+        EXPECT_EQ(list.count, row.count);
+        fill(list, row.count + 1);
+        expect_numbered(list, row.count + 1, row.count < 64 ? 64 : 128);
     }
-    expect_empty(list);
-    fill(list, 1);
-    expect_numbered(list, 1, 64);
-}
-
-TEST(FileList, WithoutMemoryForTheFirstCopyHoldsNothing)
-{
-    List list;
-    {
-        const AllocationFault fault(2);
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-        EXPECT_EQ(fault.failures(), 1U);
-    }
-    EXPECT_EQ(list.count, 0U);
-    fill(list, 64);
-    expect_numbered(list, 64, 64);
-}
-
-TEST(FileList, WithoutMemoryForALargerArrayKeepsTheOldOneAndItsContents)
-{
-    List list;
-    fill(list, 64);
-    char** const paths = list.paths;
-    {
-        const AllocationFault fault(1);
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-        EXPECT_EQ(fault.failures(), 2U);
-    }
-    EXPECT_EQ(list.paths, paths);
-    expect_numbered(list, 64, 64);
-    fill(list, 65);
-    expect_numbered(list, 65, 128);
-}
-
-TEST(FileList, WithoutMemoryForACopyKeepsItsContents)
-{
-    List list;
-    fill(list, 64);
-    {
-        const AllocationFault fault(2); // the array grows, the copy fails
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-    }
-    EXPECT_EQ(list.count, 64U);
-    fill(list, 70);
-    {
-        const AllocationFault fault(1);
-        EXPECT_FALSE(file_list_append(list, "lost.html"));
-    }
-    expect_numbered(list, 70, 128);
-    fill(list, 129);
-    expect_numbered(list, 129, 256);
 }

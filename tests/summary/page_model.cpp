@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <regex>
 
 #include "summary/report_tables.h"
 
@@ -193,12 +192,4 @@ std::vector<std::string> linked_paths(const std::vector<PageTable>& tables)
         }
     }
     return paths;
-}
-
-std::string with_time_replaced(const std::string& markup)
-{
-    const std::regex time("[0-9]{4}-[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9] UTC");
-    const std::string replaced = std::regex_replace(markup, time, "TIME");
-    EXPECT_EQ(count_of("TIME", replaced), 1);
-    return replaced;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 
 #include "core/text_buffer.h"
 #include "summary/summary_model.h"
+#include "support/intercepted_calls.h"
 #include "support/read_back.h"
 
 // Entries as the report reader leaves them. Every byte that nobody may read holds
@@ -93,6 +95,15 @@ std::string results_section(const std::vector<ReportEntry>& entries,
 // Where the links of the rows lead, table after table.
 std::vector<std::string> linked_paths(const std::vector<PageTable>& tables);
 
-// markup with its time of generation replaced by "TIME". The test fails unless it holds
-// exactly one.
-std::string with_time_replaced(const std::string& markup);
+// The clock stands still for as long as it lives.
+class StoppedClock
+{
+public:
+    explicit StoppedClock(std::time_t now = 0)
+        : time_(time_call, [now](const auto&, std::time_t*) { return now; })
+    {
+    }
+
+private:
+    Interception<std::time_t, std::time_t*> time_;
+};

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -20,17 +21,13 @@ public:
     DeepTree(const std::string& top, int depth, const std::string& file_in_each = "")
         : top_(top), innermost_(open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
     {
-        for (int level = 0;; ++level) {
+        for (int level = 0; level <= depth; ++level) {
+            if (level > 0) {
+                go_deeper();
+            }
             if (!file_in_each.empty()) {
                 write_innermost(file_in_each, "");
             }
-            if (level == depth) {
-                break;
-            }
-            EXPECT_EQ(mkdirat(innermost_, "d", 0755), 0);
-            const int inner = openat(innermost_, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            close(innermost_);
-            innermost_ = inner;
         }
         EXPECT_GE(innermost_, 0);
     }
@@ -52,6 +49,15 @@ public:
     DeepTree(const DeepTree&) = delete;
     DeepTree& operator=(const DeepTree&) = delete;
 
+    // Makes one more folder, which is the innermost from then on.
+    void go_deeper()
+    {
+        EXPECT_EQ(mkdirat(innermost_, "d", 0755), 0);
+        const int inner = openat(innermost_, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(innermost_);
+        innermost_ = inner;
+    }
+
     void write_innermost(const std::string& name, const std::string& bytes) const
     {
         const int file =
@@ -72,4 +78,17 @@ inline std::string repeated(std::string_view text, int times)
         all += text;
     }
     return all;
+}
+
+// A folder below top whose path has exactly length characters, made with those between.
+inline std::string make_folder_of_length(const std::string& top, std::size_t length)
+{
+    std::string path = top;
+    while (path.size() < length) {
+        const std::size_t room = length - path.size() - 1;
+        const std::size_t name = room <= 200 ? room : std::min<std::size_t>(200, room - 2);
+        path += "/" + std::string(name, 'd');
+    }
+    std::filesystem::create_directories(path);
+    return path;
 }

@@ -51,33 +51,10 @@ INTERCEPT(std::size_t, strftime,
 
 // The rest are variadic or go by several names: which one the compiler takes depends on
 // what it optimises and checks.
-extern "C" {
-int __real_open(const char* path, int flags, ...);
-__attribute__((format(printf, 3, 0))) int __real_vsnprintf(char* text, std::size_t size,
-                                                           const char* format, va_list values);
-std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* stream);
-
-int __wrap_open(const char* path, int flags, ...);
-char* __wrap___realpath_chk(const char* path, char* resolved, std::size_t size);
-__attribute__((format(printf, 3, 0))) int __wrap_vsnprintf(char* text, std::size_t size,
-                                                           const char* format, va_list values);
-__attribute__((format(printf, 5, 0))) int __wrap___vsnprintf_chk(char* text, std::size_t size,
-                                                                 int flag, std::size_t room,
-                                                                 const char* format,
-                                                                 va_list values);
-__attribute__((format(printf, 3, 4))) int __wrap_snprintf(char* text, std::size_t size,
-                                                          const char* format, ...);
-__attribute__((format(printf, 5, 6))) int __wrap___snprintf_chk(char* text, std::size_t size,
-                                                                int flag, std::size_t room,
-                                                                const char* format, ...);
-__attribute__((format(printf, 1, 2))) int __wrap_printf(const char* format, ...);
-__attribute__((format(printf, 2, 3))) int __wrap___printf_chk(int flag, const char* format, ...);
-__attribute__((format(printf, 2, 3))) int __wrap_fprintf(FILE* stream, const char* format, ...);
-__attribute__((format(printf, 3, 4))) int __wrap___fprintf_chk(FILE* stream, int flag,
-                                                               const char* format, ...);
-std::size_t __wrap_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* stream);
-int __wrap_fputs(const char* text, FILE* stream);
-}
+extern "C" int __real_open(const char* path, int flags, ...);
+extern "C" int __real_vsnprintf(char* text, std::size_t size, const char* format, va_list values);
+extern "C" std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count,
+                                     FILE* stream);
 
 namespace {
 
@@ -91,31 +68,6 @@ std::size_t print_text(FILE* stream, std::string_view text)
     return __real_fwrite(text.data(), 1, text.size(), stream);
 }
 
-int make_formatted(const char* name, char* text, std::size_t size, const char* format,
-                   va_list values)
-{
-    name_of_call = name;
-    return format_call.make(text, size, format, values);
-}
-
-bool make_printed(const char* name, FILE* stream, std::string_view text)
-{
-    name_of_call = name;
-    return print_call.make(stream, text) == text.size();
-}
-
-__attribute__((format(printf, 3, 0))) int print_formatted(const char* name, FILE* stream,
-                                                          const char* format, va_list values)
-{
-    va_list measured;
-    va_copy(measured, values);
-    std::string text(static_cast<std::size_t>(__real_vsnprintf(nullptr, 0, format, measured)),
-                     '\0');
-    va_end(measured);
-    __real_vsnprintf(text.data(), text.size() + 1, format, values);
-    return make_printed(name, stream, text) ? static_cast<int>(text.size()) : -1;
-}
-
 } // namespace
 
 InterceptedCall<int(const char*, int, mode_t)> open_call = {open_file, nullptr, 0};
@@ -123,94 +75,72 @@ InterceptedCall<int(char*, std::size_t, const char*, va_list)> format_call = {__
                                                                               nullptr, 0};
 InterceptedCall<std::size_t(std::FILE*, std::string_view)> print_call = {print_text, nullptr, 0};
 
-int __wrap_open(const char* path, int flags, ...)
+namespace {
+
+bool print(FILE* stream, std::string_view text)
 {
-    va_list values;
-    va_start(values, flags);
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(values, mode_t) : 0;
-    va_end(values);
-    name_of_call = "open";
-    return open_call.make(path, flags, mode);
+    return print_call.make(stream, text) == text.size();
 }
 
-char* __wrap___realpath_chk(const char* path, char* resolved, std::size_t)
+int print_formatted(FILE* stream, const char* format, va_list values)
 {
-    name_of_call = "__realpath_chk";
-    return realpath_call.make(path, resolved);
+    va_list measured;
+    va_copy(measured, values);
+    const int length = __real_vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    std::string text(static_cast<std::size_t>(length), '\0');
+    __real_vsnprintf(text.data(), text.size() + 1, format, values);
+    return print(stream, text) ? length : -1;
 }
 
-int __wrap_vsnprintf(char* text, std::size_t size, const char* format, va_list values)
-{
-    return make_formatted("vsnprintf", text, size, format, values);
-}
+} // namespace
 
-int __wrap___vsnprintf_chk(char* text, std::size_t size, int, std::size_t, const char* format,
-                           va_list values)
-{
-    return make_formatted("__vsnprintf_chk", text, size, format, values);
-}
+// Defines a function that stands for another name of one of these.
+#define STAND_IN(result, name, parameters, ...)                                                    \
+    extern "C" result __wrap_##name parameters;                                                    \
+    result __wrap_##name parameters                                                                \
+    {                                                                                              \
+        name_of_call = #name;                                                                      \
+        return __VA_ARGS__;                                                                        \
+    }
 
-int __wrap_snprintf(char* text, std::size_t size, const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = make_formatted("snprintf", text, size, format, values);
-    va_end(values);
-    return length;
-}
+// The same for a variadic function, whose last named parameter is last.
+#define STAND_IN_VARIADIC(name, parameters, last, ...)                                             \
+    extern "C" int __wrap_##name parameters;                                                       \
+    int __wrap_##name parameters                                                                   \
+    {                                                                                              \
+        name_of_call = #name;                                                                      \
+        va_list values;                                                                            \
+        va_start(values, last);                                                                    \
+        const int result = __VA_ARGS__;                                                            \
+        va_end(values);                                                                            \
+        return result;                                                                             \
+    }
 
-int __wrap___snprintf_chk(char* text, std::size_t size, int, std::size_t, const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = make_formatted("__snprintf_chk", text, size, format, values);
-    va_end(values);
-    return length;
-}
+STAND_IN(char*, __realpath_chk, (const char* path, char* resolved, std::size_t),
+         realpath_call.make(path, resolved))
+STAND_IN(int, vsnprintf, (char* text, std::size_t size, const char* format, va_list values),
+         format_call.make(text, size, format, values))
+STAND_IN(int, __vsnprintf_chk,
+         (char* text, std::size_t size, int, std::size_t, const char* format, va_list values),
+         format_call.make(text, size, format, values))
+STAND_IN(std::size_t, fwrite,
+         (const void* bytes, std::size_t size, std::size_t count, FILE* stream),
+         print(stream, {static_cast<const char*>(bytes), size* count}) ? count : 0)
+STAND_IN(int, fputs, (const char* text, FILE* stream), print(stream, text) ? 0 : EOF)
 
-int __wrap_printf(const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = print_formatted("printf", stdout, format, values);
-    va_end(values);
-    return length;
-}
-
-int __wrap___printf_chk(int, const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = print_formatted("__printf_chk", stdout, format, values);
-    va_end(values);
-    return length;
-}
-
-int __wrap_fprintf(FILE* stream, const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = print_formatted("fprintf", stream, format, values);
-    va_end(values);
-    return length;
-}
-
-int __wrap___fprintf_chk(FILE* stream, int, const char* format, ...)
-{
-    va_list values;
-    va_start(values, format);
-    const int length = print_formatted("__fprintf_chk", stream, format, values);
-    va_end(values);
-    return length;
-}
-
-std::size_t __wrap_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* stream)
-{
-    const std::string_view text(static_cast<const char*>(bytes), size * count);
-    return make_printed("fwrite", stream, text) ? count : 0;
-}
-
-int __wrap_fputs(const char* text, FILE* stream)
-{
-    return make_printed("fputs", stream, text) ? 0 : EOF;
-}
+STAND_IN_VARIADIC(open, (const char* path, int flags, ...), flags,
+                  open_call.make(path, flags, (flags & O_CREAT) != 0 ? va_arg(values, mode_t) : 0))
+STAND_IN_VARIADIC(snprintf, (char* text, std::size_t size, const char* format, ...), format,
+                  format_call.make(text, size, format, values))
+STAND_IN_VARIADIC(__snprintf_chk,
+                  (char* text, std::size_t size, int, std::size_t, const char* format, ...), format,
+                  format_call.make(text, size, format, values))
+STAND_IN_VARIADIC(printf, (const char* format, ...), format,
+                  print_formatted(stdout, format, values))
+STAND_IN_VARIADIC(__printf_chk, (int, const char* format, ...), format,
+                  print_formatted(stdout, format, values))
+STAND_IN_VARIADIC(fprintf, (FILE * stream, const char* format, ...), format,
+                  print_formatted(stream, format, values))
+STAND_IN_VARIADIC(__fprintf_chk, (FILE * stream, int, const char* format, ...), format,
+                  print_formatted(stream, format, values))

@@ -124,6 +124,12 @@ std::vector<std::string> TempFolder::names() const
     return found;
 }
 
+fs::path folder_in_memory()
+{
+    constexpr char IN_MEMORY[] = "/dev/shm";
+    return access(IN_MEMORY, W_OK | X_OK) == 0 ? fs::path(IN_MEMORY) : fs::temp_directory_path();
+}
+
 std::string read_file(const std::string& path)
 {
     std::ifstream stream(path, std::ios::binary);

@@ -40,5 +40,9 @@ private:
     std::filesystem::path folder_;
 };
 
+// Where files are made in memory, on machines that have such a place: for large trees,
+// and for what is made anew many thousand times.
+std::filesystem::path folder_in_memory();
+
 // Whole file by absolute path; the test fails if it cannot be read.
 std::string read_file(const std::string& path);

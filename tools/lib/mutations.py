@@ -12,7 +12,7 @@ Token = collections.namedtuple("Token", "kind text start end")
 
 TOKEN = re.compile(r"""
     (?P<skip>//[^\n]*|/\*.*?\*/|^[ \t]*\#[^\n]*|\[\[\w+\]\]|__attribute__\(\(.*?\)\)\)|\s+)
-  | (?P<string>"(?:\\.|[^"\\\n])*")
+  | (?P<string>R"\(.*?\)"|"(?:\\.|[^"\\\n])*")
   | (?P<char>'(?:\\.|[^'\\\n])+')
   | (?P<number>(?:0[xX][0-9a-fA-F]+|\d+)[uUlL]*)
   | (?P<word>[A-Za-z_]\w*)
@@ -42,7 +42,7 @@ OPENING, CLOSING = "([{", ")]}"
 CONTROL = {"if", "for", "while", "switch", "do", "return", "case", "default", "else", "struct",
            "enum", "using", "static_assert", "constexpr", "const", "static", "template"}
 DECLARATION = re.compile(r"[\w:]+(<[^;=]*>)?[\s*&]+\w+\s*(=|;|\[|\{)")
-FUNCTION_HEAD = re.compile(r"^(?:\w[\w:<>,* ]*?[\s*&]+)?(?P<name>\w+)\([^;{}]*\)\s*\{", re.MULTILINE)
+FUNCTION_HEAD = re.compile(r"^(?:\[\[nodiscard\]\] )?(?:\w[\w:<>,* ]*?[\s*&]+)?(?P<name>\w+)\([^;{}]*\)\s*\{", re.MULTILINE)
 CONSTANT = re.compile(r"^\s*(?:inline )?constexpr (?P<type>[\w:]+) (?P<name>[A-Z][A-Z0-9_]+)(?P<array>\[\])?",
                       re.MULTILINE)
 ENUM = re.compile(r"enum class (?P<name>\w+)[^{]*\{(?P<values>[^}]*)\}")
@@ -84,6 +84,8 @@ def next_character(text):
 
 
 def shortened(text):
+    if text.startswith("R"):
+        return f'R"({text[3:-3]})"' if len(text) > 5 else '"x"'
     body = re.findall(r"\\.|[^\\]", text[1:-1])
     return '"' + "".join(body[:-1]) + '"' if body else '"x"'
 
@@ -113,7 +115,7 @@ class Source:
 
     def return_type(self, match):
         before = self.text[match.start():match.start("name")].strip()
-        return before.removeprefix("constexpr ").removeprefix("inline ")
+        return before.removeprefix("[[nodiscard]] ").removeprefix("constexpr ").removeprefix("inline ")
 
     def add(self, start, end, new):
         old = self.text[start:end]

@@ -44,7 +44,12 @@ function setMedia(browser, settings) {
 }
 
 function watch(page, seen) {
-  page.on("pageerror", (error) => seen.errors.push(String(error)));
+  // Names of files that are not UTF-8 stand in the page as they are.
+  page.on("pageerror", (error) => {
+    if (!error.message.startsWith("The byte stream was erroneous")) {
+      seen.errors.push(String(error));
+    }
+  });
   page.on("console", (message) => seen.errors.push(message.text()));
   page.on("dialog", (dialog) => {
     seen.errors.push(`dialog: ${dialog.message()}`);
@@ -111,6 +116,9 @@ export async function launch({ proxy, patience }) {
     timeout: patience,
     protocolTimeout: patience,
     extraPrefsFirefox: {
+      // Scroll bars that take no room, as in the other browsers' windows.
+      "ui.useOverlayScrollbars": 1,
+      "dom.security.https_first": false,
       "network.proxy.type": 1,
       "network.proxy.http": hostname,
       "network.proxy.http_port": Number(port),

@@ -27,11 +27,11 @@ export class Page {
     return this.tab.reload();
   }
 
-  /** Goes back and waits until that page stands. */
-  async back() {
-    const from = await this.evaluate("location.href");
-    await this.evaluate("history.back()");
-    await this.until((url) => location.href !== url && document.readyState === "complete", from);
+  /** Forgets the errors and requests so far: they were meant. */
+  async forget() {
+    await this.tab.collect?.();
+    this.seen.errors.length = 0;
+    this.seen.requests.length = 0;
   }
 
   /** Runs a function, or the text of an expression, in the page; gives what JSON can hold. */

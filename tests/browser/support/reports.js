@@ -3,6 +3,7 @@
 function report(title, verdict, lines) {
   return [
     "<!doctype html>",
+    '<meta charset="utf-8">',
     `<title>${title}</title>`,
     '<div class="k">Overall Verdict</div>',
     `<div class="v">${verdict}</div>`,

@@ -29,7 +29,11 @@ const NO_BARS = "* { padding: 0; margin: 0; border-width: 0; min-width: 0; font-
 export const LISTENER = () => {
   const errors = [];
   Object.defineProperty(window, Symbol.for("errors"), { value: errors });
-  window.addEventListener("error", (event) => errors.push(String(event.error || event.message)));
+  window.addEventListener("error", (event) => {
+    if (event instanceof window.ErrorEvent) {
+      errors.push(event.message);
+    }
+  });
   window.addEventListener("unhandledrejection", (event) => errors.push(String(event.reason)));
   for (const name of ["log", "info", "warn", "error", "debug"]) {
     console[name] = (...texts) => errors.push(texts.join(" "));
@@ -204,8 +208,15 @@ class Tab {
     await this.session.send("POST", "/refresh", {});
   }
 
-  resize({ width, height }) {
-    return this.session.send("POST", "/window/rect", { x: 0, y: 0, width, height });
+  async resize({ width, height }) {
+    await this.session.send("POST", "/window/rect", { x: 0, y: 0, width, height });
+    await this.waitFor(`innerWidth === ${width} && innerHeight === ${height}`);
+  }
+
+  async waitFor(expression) {
+    while (!(await this.evaluate(expression))) {
+      await pause(5);
+    }
   }
 
   async setMedia(changes) {
@@ -214,10 +225,9 @@ class Tab {
       `(prefers-color-scheme: ${colorScheme})`,
       `(prefers-reduced-motion: ${reducedMotion})`,
     ];
-    const isTold = `!window.matchMedia || ${JSON.stringify(queries)}.every((q) => matchMedia(q).matches)`;
-    while (!(await this.evaluate(isTold))) {
-      await pause(5);
-    }
+    await this.waitFor(
+      `!window.matchMedia || ${JSON.stringify(queries)}.every((q) => matchMedia(q).matches)`,
+    );
   }
 
   moveMouse(x, y) {
