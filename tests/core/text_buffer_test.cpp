@@ -215,14 +215,6 @@ TEST(TextBuffer, AppendNumberWritesPlainDecimalDigits)
     }
 }
 
-TEST(TextBuffer, AppendNumberNeedsNoRoomBeyondItsDigits)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, std::string(235, 'x')));
-    ASSERT_TRUE(text_buffer_append_number(buffer, UINT64_MAX));
-    expect_state(buffer, std::string(235, 'x') + "18446744073709551615", 256);
-}
-
 TEST(TextBuffer, AppendfFormatsAsTheCLibraryDoes)
 {
     Buffer buffer;
@@ -328,19 +320,4 @@ TEST(TextBuffer, AFailedReallocationLeavesDataLengthCapacityAndTextUnchanged)
         EXPECT_EQ(buffer.capacity, 512U);
         EXPECT_EQ(buffer.text().substr(0, 255), text);
     }
-}
-
-TEST(TextBuffer, WhatFitsIsAppendedWithoutMemory)
-{
-    Buffer buffer;
-    ASSERT_TRUE(text_buffer_append(buffer, ""));
-    const AllocationFault fault(1);
-    ASSERT_TRUE(text_buffer_append(buffer, std::string(240, 'x')));
-    ASSERT_TRUE(text_buffer_append_char(buffer, 'c'));
-    ASSERT_TRUE(text_buffer_append_number(buffer, 1234567890));
-    ASSERT_TRUE(text_buffer_appendf(buffer, "%s", "full"));
-    expect_state(buffer, std::string(240, 'x') + "c1234567890full", 256);
-    EXPECT_EQ(fault.failures(), 0U);
-    EXPECT_FALSE(text_buffer_append_char(buffer, 'c'));
-    expect_state(buffer, std::string(240, 'x') + "c1234567890full", 256);
 }

@@ -13,17 +13,12 @@ int program_main(int argc, char** argv);
 
 namespace {
 
-std::string described(const Fault& fault)
-{
-    return std::string(name_of(fault.call)) + ' ' + name_of(fault.answer) + " at " +
-           std::to_string(fault.number) + (fault.from_then_on ? " and on; " : "; ");
-}
-
 std::string described(const std::vector<Fault>& faults)
 {
     std::string text;
     for (const Fault& fault : faults) {
-        text += described(fault);
+        text += std::string(name_of(fault.call)) + ' ' + name_of(fault.answer) + " at " +
+                std::to_string(fault.number) + (fault.from_then_on ? " and on; " : "; ");
     }
     return text;
 }

@@ -61,26 +61,14 @@ Names wrapped_names()
 // What the program calls that cannot fail, or only for arguments that it never has.
 bool cannot_fail(const std::string& name)
 {
-    static const Names NAMES = {"memcpy",
-                                "memmove",
-                                "memset",
-                                "memcmp",
-                                "bcmp",
-                                "memchr",
-                                "strlen",
-                                "strcmp",
-                                "strncmp",
-                                "strchr",
-                                "strstr",
-                                "signal",
-                                "stdout",
-                                "stderr",
-                                "__errno_location",
-                                "__stack_chk_fail",
-                                "_GLOBAL_OFFSET_TABLE_"};
+    static const std::vector<std::string> NAMES =
+        split("memcpy memmove memset memcmp bcmp memchr strlen strcmp strncmp strchr "
+              "strstr signal stdout stderr __errno_location __stack_chk_fail "
+              "_GLOBAL_OFFSET_TABLE_",
+              ' ');
     static const std::vector<std::string> COMPILER = {
         "__asan_", "__ubsan_", "__gcov_", "_ZSt24__throw_", "_ZSt20__throw_", "_ZTVN10__cxxabiv1"};
-    return NAMES.count(name) > 0 ||
+    return std::find(NAMES.begin(), NAMES.end(), name) != NAMES.end() ||
            std::any_of(COMPILER.begin(), COMPILER.end(),
                        [&](const std::string& prefix) { return name.starts_with(prefix); });
 }
