@@ -117,7 +117,7 @@ bool append_array(TextBuffer& buffer, const SummaryModel& model,
                   bool (*belongs)(const ReportEntry&),
                   bool (*append_element)(TextBuffer&, const ReportEntry&))
 {
-    std::string_view separator = "";
+    std::string_view separator;
     bool complete = true;
     for (std::uint64_t i = 0; complete && i < model.count; ++i) {
         if (belongs(model.entries[i])) {
