@@ -33,15 +33,13 @@ Parts part(std::span<const ReportEntry> entries)
 {
     Parts parts;
     for (const ReportEntry& entry : entries) {
-        const bool analyzed = entry.kind == ReportKind::Analyzed;
-        const bool errored = entry.kind == ReportKind::RunError;
-        (analyzed || errored ? parts.reports : parts.others).push_back(&entry);
-        if (analyzed || errored) {
-            (errored             ? parts.errored
-             : entry.passed == 1 ? parts.passed
-                                 : parts.failed)
-                .push_back(&entry);
+        if (entry.kind == ReportKind::NotAnalyzeReport || entry.kind == ReportKind::Unreadable) {
+            parts.others.push_back(&entry);
+            continue;
         }
+        Rows& by_verdict = entry.passed == 1 ? parts.passed : parts.failed;
+        (entry.kind == ReportKind::RunError ? parts.errored : by_verdict).push_back(&entry);
+        parts.reports.push_back(&entry);
     }
     return parts;
 }

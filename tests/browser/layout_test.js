@@ -39,10 +39,16 @@ function expectedIn(values, theme) {
   );
 }
 
+/** Lengths as numbers of three digits at most: WebKit gives 28.8 pixels as 28.799999px. */
+function rounded(values) {
+  const round = (text) => text.replace(/\d+\.\d{4,}/g, (number) => String(Number(Number(number).toFixed(3))));
+  return Object.fromEntries(Object.entries(values).map(([name, value]) => [name, round(value)]));
+}
+
 async function assertLayout(page, table, theme, pseudo) {
   for (const [selector, values] of table) {
     const expected = expectedIn(values, theme);
-    const actual = await page.computed(selector, Object.keys(expected), pseudo);
+    const actual = rounded(await page.computed(selector, Object.keys(expected), pseudo));
     assert.deepEqual(actual, expected, `${selector} in the ${theme} theme`);
   }
 }
@@ -100,7 +106,7 @@ for (const [path, tiles, width, rows] of [
   [passedPage, "four", 720, [[1, 1, 1, 1]]],
   [passedPage, "four", 700, [[1, 1, 1, 1]]],
   [fullPage, "five", 1280, [[1, 1, 1, 1, 1.4]]],
-  [fullPage, "five", 721, [[1, 1, 1, 1, 1.67]]],
+  [fullPage, "five", 721, [[1, 1, 1, 1, 1.16]]],
 ]) {
   test(`${tiles} tiles share the width as laid out at ${width} pixels`, async () => {
     await withPage(path, { width }, async (page) => {
@@ -183,7 +189,7 @@ for (const theme of ["light", "dark"]) {
     });
     await withPage(fullPage, { colorScheme: theme }, async (page) => {
       await page.click(".theme-toggle");
-      await assertLayout(page, [[".theme-toggle:focus", { "outline-style": "none" }]], "light");
+      await assertLayout(page, [[".theme-toggle", { "outline-style": "none" }]], "light");
     });
   });
 

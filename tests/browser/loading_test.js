@@ -300,3 +300,11 @@ test("until its script has run the theme button keeps its place but does not sho
     assert.equal((await page.computed(".theme-toggle", ["visibility"])).visibility, "visible");
   });
 });
+
+test("a page with a long table has its scroll bar from the start", async () => {
+  const overflow = async (page) => (await page.computed("html", ["overflow-y"]))["overflow-y"];
+  await withPage(stripped, {}, async (page) => assert.equal(await overflow(page), "scroll"));
+  await withPage(pageOf(suite({ passed: 100 })), {}, async (page) => {
+    assert.equal(await overflow(page), "visible");
+  });
+});

@@ -91,6 +91,9 @@ protected:
         const auto expected = contents();
         for (void (*spoil)(int) : {close_stream, fill_stream, break_stream}) {
             for (unsigned streams = 1; streams <= 7; ++streams) {
+                if (is_spoilt(streams, STDIN_FILENO) && spoil != close_stream) {
+                    continue; // nothing reads it
+                }
                 SCOPED_TRACE(streams);
                 for (const char* output_file : {"s.html", "s.json", "folder.html"}) {
                     std::filesystem::remove(temp.path(output_file));
@@ -104,8 +107,8 @@ protected:
                 };
                 expect_run(
                     run_fthsummary(arguments, {.folder = temp.path(), .before_exec = spoil_all}),
-                    status, is_spoilt(streams, 1) ? "" : output,
-                    is_spoilt(streams, 2) ? "" : errors);
+                    status, is_spoilt(streams, STDOUT_FILENO) ? "" : output,
+                    is_spoilt(streams, STDERR_FILENO) ? "" : errors);
                 EXPECT_EQ(contents(), expected);
             }
         }

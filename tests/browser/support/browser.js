@@ -16,7 +16,7 @@ assert.ok(NAMES.includes(BROWSER), `FTHSUMMARY_BROWSER must be one of ${NAMES.jo
 const { CANNOT, LISTENER, launch } = await import(`./${BROWSER}.js`);
 
 // For what a loaded machine may take long to do; nothing is judged by it.
-const PATIENCE_MS = 60_000;
+const PATIENCE_MS = 120_000;
 const ATTEMPTS_TO_START = 3;
 
 /** What the browser asked a network for. It has questions of its own, which no page makes it ask. */

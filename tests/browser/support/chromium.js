@@ -62,7 +62,6 @@ async function newTab(browser, options, seen, patience) {
   return {
     open: (url, { until }) => page.goto(url, { waitUntil: until === "load" ? "load" : "commit" }),
     reload: () => page.reload(),
-    back: () => page.goBack(),
     evaluate: (expression) => page.evaluate(expression),
     resize: (size) => page.setViewportSize(size),
     setMedia: (media) => page.emulateMedia(media),

@@ -4,7 +4,6 @@
 import { mkdtempSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
-import { setTimeout as pause } from "node:timers/promises";
 
 import puppeteer from "puppeteer-core";
 
@@ -59,15 +58,6 @@ function watch(page, seen) {
   page.on("request", (request) => seen.requests.push(request.url()));
 }
 
-// The driver's own way waits for an event that a page out of the cache never sends.
-async function goBack(page) {
-  const from = page.url();
-  await page.evaluate("void setTimeout(() => history.back())");
-  while (page.url() === from || (await page.evaluate("document.readyState")) !== "complete") {
-    await pause(5);
-  }
-}
-
 async function newTab(browser, options, seen, patience) {
   const { width, height, colorScheme, reducedMotion, scripting, storage } = options;
   const context = await browser.createBrowserContext();
@@ -84,7 +74,6 @@ async function newTab(browser, options, seen, patience) {
         ? page.goto(url)
         : send("browsingContext.navigate", { url, wait: "none" }),
     reload: () => page.reload(),
-    back: () => goBack(page),
     evaluate: (expression) => page.evaluate(expression),
     resize: (size) => page.setViewport(size),
     setMedia: (media) => setMedia(browser, media),

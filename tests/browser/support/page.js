@@ -34,11 +34,6 @@ export class Page {
     this.seen.requests.length = 0;
   }
 
-  /** Goes back and waits for the load event. */
-  back() {
-    return this.tab.back();
-  }
-
   /** Runs a function, or the text of an expression, in the page; gives what JSON can hold. */
   evaluate(run, ...parameters) {
     return this.tab.evaluate(call(run, parameters));

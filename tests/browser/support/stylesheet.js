@@ -1,6 +1,6 @@
 // The page's stylesheet as the browser understood it.
 
-/** The rules of the first style element: a list of {selector, media, declarations}, in order. */
+/** The rules of the first style element: a list of {selector, media, declarations}, in order, keyframes left out. */
 export function readRules(page, element = 0) {
   return page.evaluate((index) => {
     const rules = [];
@@ -8,7 +8,7 @@ export function readRules(page, element = 0) {
       for (const rule of list) {
         if (rule instanceof CSSMediaRule) {
           collect(rule.cssRules, [...media, rule.media.mediaText]);
-        } else {
+        } else if (rule.style) {
           const declarations = [...rule.style].map((name) => [
             name,
             rule.style.getPropertyValue(name),

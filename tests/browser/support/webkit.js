@@ -208,11 +208,6 @@ class Tab {
     await this.session.send("POST", "/refresh", {});
   }
 
-  async back() {
-    await this.collect();
-    await this.session.send("POST", "/back", {});
-  }
-
   async resize({ width, height }) {
     await this.session.send("POST", "/window/rect", { x: 0, y: 0, width, height });
     await this.waitFor(`innerWidth === ${width} && innerHeight === ${height}`);
