@@ -106,7 +106,7 @@ bool write_page(const CommandLine& options, const SummaryModel& model)
     return write_summary_page(options.page_path, model) || report_unwritten(options.page_path);
 }
 
-// Tells the caller the path of the file in json_path, which holds no text yet.
+// Leaves the path of the file in json_path, which held no text.
 // False: a message was printed.
 bool write_json(const CommandLine& options, const SummaryModel& model, BoundedText& json_path)
 {

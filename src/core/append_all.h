@@ -1,7 +1,7 @@
 // Pieces in a row: append_all(buffer, "<td>", row, "</td>").
 //
 // There is one append_part for each kind of piece that a text is made of, false when it
-// could not be appended. Rooms add kinds of their own, such as Escaped.
+// could not be appended. Other components add kinds of their own, such as Escaped.
 
 #pragma once
 

@@ -8,8 +8,8 @@
 
 // Appends text with the five characters of html_entities replaced by their
 // references, fit for element content and for attribute values in either kind of
-// quotes (HTML standard, "Attribute value states" of the tokenizer). Every other
-// byte, control characters and bytes above 0x7F included, is appended unchanged. An empty text
+// quotes (HTML standard, "Attribute value states" of the tokenizer). Every other byte,
+// control characters and bytes above 0x7F included, is appended unchanged. An empty text
 // appends nothing and allocates nothing.
 // False: the buffer could not grow; it stays valid and holds an unspecified part
 // of the escaped text, so the document is to be abandoned.

@@ -138,7 +138,7 @@ bool append_document(TextBuffer& buffer, const SummaryModel& model)
                                std::uintmax_t{tally.passed}, std::uintmax_t{tally.failed},
                                std::uintmax_t{tally.errored}) &&
            append_array(buffer, model, is_report, append_report) &&
-           text_buffer_append(buffer, ",\n    \"other_files\": [\n") &&
+           append_all(buffer, ",\n    ", Quoted{"other_files"}, ": [\n") &&
            append_array(
                buffer, model, [](const ReportEntry& entry) { return !is_report(entry); },
                append_other_file) &&

@@ -53,7 +53,6 @@ constexpr char OTHER_FILES_START[] = R"(<section class="card" id="other-files">
 
 constexpr char NOTHING_TO_SHOW[] = "&mdash;";
 constexpr char SIDE_NOTE_START[] = R"(<span style="color:var(--muted);font-size:0.85em">)";
-constexpr char SIDE_NOTE_END[] = "</span>";
 
 // Case matters here, although the walk finds a report with any case of the ending.
 std::string_view display_name(std::string_view path)
@@ -72,7 +71,7 @@ bool append_row_start(TextBuffer& buffer, const ReportEntry& entry, const Rows& 
 {
     return append_all(buffer, "<tr><td>", ++rows.counter, R"(</td><td><a href=")") &&
            append_link_target(buffer, entry, rows.links) &&
-           append_all(buffer, "\">", EscapedPath{display_name(entry.relative_path)},
+           append_all(buffer, R"(">)", EscapedPath{display_name(entry.relative_path)},
                       "</a></td><td>");
 }
 
@@ -94,7 +93,7 @@ bool append_mode_cell(TextBuffer& buffer, const ReportEntry& entry)
         return html_append_escaped(buffer, entry.analysis_mode);
     }
     return append_all(buffer, Escaped{entry.analysis_mode}, " ", SIDE_NOTE_START, "&middot; ",
-                      Escaped{entry.analysis_mode_sub}, SIDE_NOTE_END);
+                      Escaped{entry.analysis_mode_sub}, "</span>");
 }
 
 struct Names
@@ -123,13 +122,14 @@ bool append_checks_cell(TextBuffer& buffer, const ReportEntry& entry)
         return append_part(buffer, failed);
     }
     return append_all(buffer, failed, failed.count > 0 ? "<br>" : "", SIDE_NOTE_START,
-                      "Not gating: ", non_gating, SIDE_NOTE_END);
+                      "Not gating: ", non_gating, "</span>");
 }
 
 bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
 {
-    const char* badge = entry.passed != 0 ? R"(<span class="badge pass">PASS</span>)"
-                                          : R"(<span class="badge fail">FAIL</span>)";
+    const char* badge = outcome_of(entry) == Outcome::Passed
+                            ? R"(<span class="badge pass">PASS</span>)"
+                            : R"(<span class="badge fail">FAIL</span>)";
     return append_row_start(buffer, entry, rows) && append_mode_cell(buffer, entry) &&
            append_all(buffer, "</td><td>", badge, "</td><td>") &&
            append_checks_cell(buffer, entry) && text_buffer_append(buffer, "</td></tr>\n");
@@ -144,7 +144,7 @@ bool append_table(TextBuffer& buffer, const char* header, Reports reports, std::
 {
     const bool is_paged = length > TABLE_PAGE_SIZE;
     return text_buffer_append(buffer, TABLE_START) &&
-           (!is_paged || append_all(buffer, " data-page-size=\"", TABLE_PAGE_SIZE, "\"")) &&
+           (!is_paged || append_all(buffer, R"( data-page-size=")", TABLE_PAGE_SIZE, R"(")")) &&
            text_buffer_append(buffer, header) &&
            std::all_of(reports.begin(), reports.end(),
                        [&](const ReportEntry* report) {

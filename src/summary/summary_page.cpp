@@ -121,8 +121,8 @@ bool append_kpi_grid(TextBuffer& buffer, std::uint64_t total, std::uint64_t pass
                      std::uint64_t failed, std::uint64_t errored, std::uint64_t other)
 {
     const bool has_errors = errored > 0;
-    return append_all(buffer, R"(<div class="kpi-grid)", has_errors ? " with-errored" : "",
-                      "\">\n") &&
+    return append_all(buffer, R"(<div class="kpi-grid)", has_errors ? " with-errored" : "", R"(">)",
+                      "\n") &&
            append_kpi_tile(buffer, "Total Reports", total) &&
            append_kpi_tile(buffer, "Passed", passed) && append_kpi_tile(buffer, "Failed", failed) &&
            (!has_errors || append_kpi_tile(buffer, "Errored", errored)) &&

@@ -71,15 +71,6 @@ TEST(GeneratedTime, EndsInUtcAndShowsUtcWhateverTheLocalZone)
     EXPECT_EQ(time_at(1709164800), "2024-02-29 00:00:00 UTC");
 }
 
-TEST(GeneratedTime, IsTheTimeAtWhichItIsCalled)
-{
-    const std::time_t before = std::time(nullptr);
-    const std::string time = bytes_after(GENERATED_TIME_SIZE).c_str();
-    const std::time_t after = std::time(nullptr);
-    EXPECT_LE(time_at(before), time);
-    EXPECT_LE(time, time_at(after));
-}
-
 TEST(GeneratedTime, NeedsExactly24BytesAndIsEmptyWhenItDoesNotFit)
 {
     const std::string bytes = bytes_after(24);

@@ -76,13 +76,6 @@ TEST(OtherFilesSection, ShowsPathsOfAnyBytesAndLengthWhole)
               (Rows{bytes, path + " (unreadable)"}));
 }
 
-TEST(OtherFilesSection, ListsAnEntryOfAnUnknownKindWithoutMarker)
-{
-    ReportEntry entry = unrelated_file("a.html");
-    entry.kind = static_cast<ReportKind>(77);
-    EXPECT_EQ(listed({entry}), Rows{"a.html"});
-}
-
 TEST(OtherFilesSection, IsNeverNumberedOrPagedHoweverManyRowsItHas)
 {
     const Rows paths = numbered_paths("", 250);

@@ -77,9 +77,9 @@ Lines lines_of(const std::string& markup)
 }
 
 // The titles of those tables that are paged.
-std::vector<std::string> paged(const std::vector<ReportEntry>& entries)
+Lines paged(const std::vector<ReportEntry>& entries)
 {
-    std::vector<std::string> titles;
+    Lines titles;
     for (const PageTable& found : read_tables(results_section(entries))) {
         EXPECT_EQ(found.page_size, found.has_pager ? "100" : "");
         if (found.has_pager) {
@@ -197,15 +197,6 @@ TEST(ResultsSection, AllThreeTablesMayBePaged)
               (Lines{"Errored", "Failed", "Passed"}));
 }
 
-TEST(ResultsSection, RowsOfTheOtherTablesDoNotMakeATablePaged)
-{
-    const Lines paths = numbered_paths("", 100);
-    EXPECT_EQ(paged(together(
-                  entries_of(paths, passed_report),
-                  together(entries_of(paths, errored_report), entries_of(paths, failed_report)))),
-              Lines());
-}
-
 TEST(ReportTable, WithoutMatchesIsAHeaderAndAnEmptyBody)
 {
     std::uint64_t counter = 7;
@@ -224,15 +215,6 @@ TEST(ReportTable, KeepsTheOrderOfItsViewAndHandsTheCounterOn)
         report_table({passed_report("c"), failed_report("b"), passed_report("a")}, 1, counter);
     EXPECT_EQ(lines_of(rows), (Lines{"", "4294967295 c", "4294967296 a"}));
     EXPECT_EQ(counter, 4294967296U);
-}
-
-TEST(ReportTable, LeavesOutErroredRunsWhateverTheirPassedFlag)
-{
-    ReportEntry flagged = errored_report("a");
-    flagged.passed = 1;
-    std::uint64_t counter = 0;
-    EXPECT_EQ(report_table({flagged}, 1, counter), table(ANALYZED_HEADER));
-    EXPECT_EQ(report_table({errored_report("b")}, 0, counter), table(ANALYZED_HEADER));
 }
 
 TEST(ReportTable, SelectsByEqualPassedFlagAndBadgesByNonZero)

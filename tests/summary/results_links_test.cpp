@@ -123,13 +123,6 @@ TEST(ResultsLinkContext, OutputFolderThatCannotBeResolvedMakesLinksBare)
     EXPECT_FALSE(context_of(".", std::string(300, 'n') + "/s.html").links_relative);
 }
 
-TEST(ResultsLinkContext, ScannedDirectoryThatCannotBeResolvedMakesLinksBare)
-{
-    EXPECT_FALSE(context_of("no such folder", "s.html").links_relative);
-    EXPECT_FALSE(context_of("", "s.html").links_relative);
-    EXPECT_FALSE(context_of("no such folder", "no such folder either/s.html").links_relative);
-}
-
 TEST(ResultsLinkContext, BothFoldersAreCanonical)
 {
     const TempFolder folder;
@@ -169,13 +162,6 @@ TEST(ResultsLinks, LeadFromANewFolderOnceItIsThere)
     EXPECT_EQ(section_href(passed_report("r.html"), "in", "new/deep/s.html"), "r.html");
     folder.make_folder("new/deep");
     EXPECT_EQ(section_href(passed_report("r.html"), "in", "new/deep/s.html"), "../../in/r.html");
-}
-
-TEST(ResultsLinks, LeadFromTheRootWithoutASingleStepUp)
-{
-    const TempFolder folder;
-    EXPECT_EQ(section_href(passed_report("r.html"), folder.path().c_str(), "/s.html"),
-              folder.path().substr(1) + "/r.html");
 }
 
 TEST(ResultsLinks, AreTheBarePathsWhenEitherFolderCannotBeResolved)

@@ -52,26 +52,6 @@ TEST(TallyEntries, CountsNoMoreEntriesThanItIsTold)
     EXPECT_EQ(two.other, 0U);
 }
 
-TEST(TallyEntries, TakesAnyPassedFlagButZeroAsPassed)
-{
-    ReportEntry entry = passed_report("a");
-    entry.passed = 2;
-    expect_tally({entry}, 1, 0, 0, 0);
-    entry.passed = 255;
-    expect_tally({entry}, 1, 0, 0, 0);
-}
-
-TEST(TallyEntries, LooksAtThePassedFlagOfAnalyzedEntriesOnly)
-{
-    ReportEntry errored = errored_report("a");
-    errored.passed = 1;
-    ReportEntry unreadable = unreadable_file("b");
-    unreadable.passed = 1;
-    ReportEntry unrelated = unrelated_file("c");
-    unrelated.passed = 1;
-    expect_tally({errored, unreadable, unrelated}, 0, 0, 1, 2);
-}
-
 TEST(TotalReports, IsTheSumOfPassedFailedAndErroredWithoutOtherFiles)
 {
     EXPECT_EQ(total_reports({0, 0, 0, 0}), 0U);

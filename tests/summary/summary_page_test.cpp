@@ -153,19 +153,6 @@ TEST_F(SummaryPage, InsertsTheVersionAsItIs)
     EXPECT_EQ(page_of(model), expected_page(model, {0, 0, 0, 0}));
 }
 
-TEST_F(SummaryPage, LooksOnlyAtPathAndKindOfAnOtherFile)
-{
-    ReportEntry entry = unrelated_file("a.html");
-    entry.passed = 1;
-    entry.failed_check_count = 0xAAAAAAAAAAAAAAAA;
-    entry.non_gating_check_count = 0xAAAAAAAAAAAAAAAA;
-    entry.error[0] = 'E';
-    entry.analysis_mode[0] = 'M';
-    const std::vector<ReportEntry> entries = {entry};
-    const std::vector<ReportEntry> plain = {unrelated_file("a.html")};
-    EXPECT_EQ(page_of(model_of(entries, "in")), expected_page(model_of(plain, "in"), {0, 0, 0, 1}));
-}
-
 TEST_F(SummaryPage, IsWrittenToThePathExactlyAsTypedInPlaceOfALongerFile)
 {
     const TempFolder folder;
