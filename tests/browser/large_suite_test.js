@@ -28,18 +28,26 @@ function look(page) {
 /** Clicks on a button; gives the number of rows that each click changed. */
 function press(page, button, clicks) {
   return page.evaluate(
-    (selector, count) => {
-      const observer = new MutationObserver(() => undefined);
+    async (selector, count) => {
+      let records = 0;
+      const observer = new MutationObserver((list) => {
+        records += list.length;
+      });
       observer.observe(document.querySelector("table[data-page-size]"), {
         attributes: true,
         childList: true,
         characterData: true,
         subtree: true,
       });
-      return Array.from({ length: count }, () => {
+      const changed = [];
+      for (let click = 0; click < count; click += 1) {
+        records = 0;
         document.querySelector(selector).click();
-        return observer.takeRecords().length;
-      });
+        // The observer is told before what follows the await.
+        await null;
+        changed.push(records);
+      }
+      return changed;
     },
     button,
     clicks,

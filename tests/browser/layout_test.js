@@ -39,17 +39,28 @@ function expectedIn(values, theme) {
   );
 }
 
-/** Lengths as numbers of three digits at most: WebKit gives 28.8 pixels as 28.799999px. */
-function rounded(values) {
-  const round = (text) => text.replace(/\d+\.\d{4,}/g, (number) => String(Number(Number(number).toFixed(3))));
-  return Object.fromEntries(Object.entries(values).map(([name, value]) => [name, round(value)]));
+// Browsers keep lengths as multiples of a 64th of a pixel at the coarsest.
+const NEAR = 1 / 64;
+
+/** The computed values, with a number as it is expected wherever it is as good as that. */
+function likened(actual, expected) {
+  const like = (value, wanted) => {
+    const numbers = wanted.match(/[\d.]+/g) ?? [];
+    return value.replace(/[\d.]+/g, (number) => {
+      const next = numbers.shift();
+      return Math.abs(number - next) <= NEAR ? next : number;
+    });
+  };
+  return Object.fromEntries(
+    Object.entries(actual).map(([name, value]) => [name, like(value, expected[name])]),
+  );
 }
 
 async function assertLayout(page, table, theme, pseudo) {
   for (const [selector, values] of table) {
     const expected = expectedIn(values, theme);
-    const actual = rounded(await page.computed(selector, Object.keys(expected), pseudo));
-    assert.deepEqual(actual, expected, `${selector} in the ${theme} theme`);
+    const actual = await page.computed(selector, Object.keys(expected), pseudo);
+    assert.deepEqual(likened(actual, expected), expected, `${selector} in the ${theme} theme`);
   }
 }
 
@@ -110,7 +121,11 @@ for (const [path, tiles, width, rows] of [
 ]) {
   test(`${tiles} tiles share the width as laid out at ${width} pixels`, async () => {
     await withPage(path, { width }, async (page) => {
-      assert.deepEqual(await tileRows(page), rows);
+      const found = await tileRows(page);
+      // Fonts, and so the room that the last tile's text needs, differ a little.
+      const isNear = (share, row, tile) => Math.abs(share - rows[row]?.[tile]) < 0.02;
+      assert.deepEqual(found.map((row) => row.length), rows.map((row) => row.length));
+      assert.ok(found.every((row, at) => row.every((share, tile) => isNear(share, at, tile))), `${found}`);
     });
   });
 }
