@@ -37,7 +37,7 @@ const PAGE_SCRIPTS = {
 // The browser tests run in Node; the functions that they hand to the browser run
 // in the page.
 const BROWSER_TESTS = {
-  files: ["tests/browser/**/*.js", "tests/browser/**/*.mjs"],
+  files: ["tests/browser/**/*.js", "tests/browser/**/*.mjs", "bench/*.js"],
   languageOptions: {
     globals: Object.fromEntries(
       [

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -49,14 +50,14 @@ std::string escaped_by(Escaper escape, std::string_view before, std::string_view
 
 std::string decoded_by_program(std::string_view text, std::size_t limit)
 {
-    const ExactText source(text);
-    const std::unique_ptr<char[]> decoded(new char[limit + 1]);
-    const char* start = source.view().data();
-    html_copy_decoded(decoded.get(), start, start + text.size(), limit);
+    // Blocks of their exact sizes, so that AddressSanitizer sees their ends.
+    const std::vector<char> source(text.begin(), text.end());
+    std::vector<char> decoded(limit + 1);
+    html_copy_decoded(decoded.data(), source.data(), source.data() + source.size(), limit);
     // A NUL of the text looks like the end, so the length is told by the naive decoder.
     const std::size_t length = std::min(naive_decoded(std::string(text)).size(), limit);
     require(decoded[length] == '\0', "the decoded text's NUL");
-    return {decoded.get(), length};
+    return {decoded.data(), length};
 }
 
 std::string with_breaks(std::string_view text)

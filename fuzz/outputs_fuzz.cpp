@@ -95,37 +95,21 @@ std::string_view output_folder(std::string_view page_path)
     return slash == 0 ? page_path.substr(0, 1) : page_path.substr(0, slash);
 }
 
-// Answers the first path that is resolved with the page's folder, the second one with
-// the directory that was scanned.
-class CanonicalPaths
+// What the system makes of the first path that is resolved, the page's folder, and of the
+// second one, the directory that was scanned.
+char* resolve(const Run& run, int number, const char* path, char* output)
 {
-public:
-    explicit CanonicalPaths(const Run& run)
-        : run_(run), realpath_(realpath_call, [this](const auto&, const char* path, char* output) {
-              return answer(path, output);
-          })
-    {
+    const bool is_folder = number == 1;
+    require(number <= 2, "two paths are resolved");
+    require(is_folder ? path == output_folder(run.page_path.data())
+                      : std::strcmp(path, run.input_dir.data()) == 0,
+            "the path that is resolved");
+    if (!(is_folder ? run.knows_folder : run.knows_directory)) {
+        errno = ENOENT;
+        return nullptr;
     }
-
-private:
-    char* answer(const char* path, char* output)
-    {
-        const bool is_first = ++asked_ == 1;
-        require(asked_ <= 2, "two paths are resolved");
-        require(is_first ? path == output_folder(run_.page_path.data())
-                         : std::strcmp(path, run_.input_dir.data()) == 0,
-                "the path that is resolved");
-        if (!(is_first ? run_.knows_folder : run_.knows_directory)) {
-            errno = ENOENT;
-            return nullptr;
-        }
-        return std::strcpy(output, (is_first ? run_.folder : run_.directory).data());
-    }
-
-    const Run& run_;
-    int asked_ = 0;
-    Interception<char*, const char*, char*> realpath_;
-};
+    return std::strcpy(output, (is_folder ? run.folder : run.directory).data());
+}
 
 using WriteSummary = bool (*)(const char* path, const SummaryModel& model);
 using Judge = void (*)(std::string_view bytes, const ExpectedOutputs& expected);
@@ -140,7 +124,10 @@ void write_and_judge(WriteSummary write, Judge judge, const Run& run,
     bool written = false;
     {
         const Interception now(time_call, [&](const auto&, std::time_t*) { return run.now; });
-        const CanonicalPaths paths(run);
+        int resolved = 0;
+        const Interception paths(realpath_call, [&](const auto&, const char* path, char* output) {
+            return resolve(run, ++resolved, path, output);
+        });
         std::optional<ShortTransfers> pieces;
         if (run.fault == PIECEMEAL || run.fault == FULL) {
             pieces.emplace(run.fault == FULL ? 100 : 1000);

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "cli/output_paths.h"
 #include "core/paths.h"
@@ -77,11 +78,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string_view both(text.data(), expand(input.take_rest(), WORDS, text));
 
     const std::size_t nul = std::min(both.find('\0'), both.size());
-    const ExactText from(both.substr(0, nul));
-    const ExactText to(both.substr(std::min(nul + 1, both.size())));
-    judge_link(from.view(), to.view(), options, given);
-    if (to.view().size() < PATH_BUFFER_SIZE) {
-        judge_json_path(to.view());
+    const std::string_view first = both.substr(0, nul);
+    const std::string_view second = both.substr(std::min(nul + 1, both.size()));
+    // In blocks of their exact sizes, so that AddressSanitizer sees their ends.
+    const std::vector<char> from(first.begin(), first.end());
+    const std::vector<char> to(second.begin(), second.end());
+    judge_link({from.data(), from.size()}, {to.data(), to.size()}, options, given);
+    if (to.size() < PATH_BUFFER_SIZE) {
+        judge_json_path({to.data(), to.size()});
     }
     return 0;
 }

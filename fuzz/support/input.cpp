@@ -56,11 +56,6 @@ std::size_t form_size(std::uint8_t first)
 
 } // namespace
 
-ExactText::ExactText(std::string_view text) : bytes_(new char[text.size()]), length_(text.size())
-{
-    text.copy(bytes_.get(), text.size());
-}
-
 std::size_t expand(std::span<const std::uint8_t> short_form, Words words, std::span<char> text)
 {
     Expansion expansion = {text, 0};

@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
 
@@ -55,20 +54,3 @@ private:
 // Writes the text that short_form stands for to text, cut to what fits there; its
 // length is returned.
 std::size_t expand(std::span<const std::uint8_t> short_form, Words words, std::span<char> text);
-
-// A text at the very end of a heap block, so that AddressSanitizer sees a read of the
-// byte behind it.
-class ExactText
-{
-public:
-    explicit ExactText(std::string_view text);
-
-    std::string_view view() const
-    {
-        return {bytes_.get(), length_};
-    }
-
-private:
-    std::unique_ptr<char[]> bytes_;
-    std::size_t length_;
-};

@@ -17,8 +17,7 @@ bool make_folder_above(char* path, std::size_t length)
     return exists;
 }
 
-// What stands before the last separator; empty when there is none, or nothing before
-// it.
+// What stands before the last separator, if anything does.
 std::string_view folder_above(std::string_view path)
 {
     while (!path.empty() && !is_path_separator(path.back())) {

@@ -57,6 +57,7 @@ std::string_view without_ending(std::string_view path,
     return path;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the text is put there
 bool resolve_path(const char* path, char* output, std::uint64_t capacity)
 {
     std::array<char, PATH_BUFFER_SIZE> resolved;
@@ -65,6 +66,7 @@ bool resolve_path(const char* path, char* output, std::uint64_t capacity)
            bounded_text_append(canonical, resolved.data());
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the text is put there
 bool make_relative_path(std::string_view from, std::string_view to, char* output,
                         std::uint64_t capacity)
 {

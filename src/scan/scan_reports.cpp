@@ -74,8 +74,7 @@ void leave(Walk& walk)
     closedir(walk.levels[--walk.depth].listing);
 }
 
-// Whether name ends in ending, A to Z and a to z being the same. The ending is in lower
-// case.
+// Whether name, with A to Z read as a to z, ends in ending.
 bool ends_in(std::string_view name, std::string_view ending)
 {
     return name.size() >= ending.size() &&

@@ -82,7 +82,7 @@ constexpr char COUNTS[] = R"(,
 // Each member of a report's object stands on a line of its own.
 bool append_key(TextBuffer& buffer, std::string_view key)
 {
-    return append_all(buffer, ",\n            ", Quoted{key}, ": ");
+    return append_all(buffer, ",\n            \"", key, "\": ");
 }
 
 bool append_member(TextBuffer& buffer, std::string_view key, std::string_view value)
@@ -92,8 +92,8 @@ bool append_member(TextBuffer& buffer, std::string_view key, std::string_view va
 
 bool append_report(TextBuffer& buffer, const ReportEntry& entry)
 {
-    return append_all(buffer, "        {\n            ", Quoted{"relative_path"}, ": ",
-                      Quoted{entry.relative_path}) &&
+    return append_all(buffer,
+                      "        {\n            \"relative_path\": ", Quoted{entry.relative_path}) &&
            append_member(buffer, "verdict", word_for(outcome_of(entry))) &&
            append_member(buffer, "analysis_mode", entry.analysis_mode) &&
            append_member(buffer, "analysis_mode_sub", entry.analysis_mode_sub) &&
@@ -117,7 +117,7 @@ bool append_array(TextBuffer& buffer, const SummaryModel& model,
                   bool (*belongs)(const ReportEntry&),
                   bool (*append_element)(TextBuffer&, const ReportEntry&))
 {
-    std::string_view separator = "";
+    std::string_view separator;
     bool complete = true;
     for (std::uint64_t i = 0; complete && i < model.count; ++i) {
         if (belongs(model.entries[i])) {

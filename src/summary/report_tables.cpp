@@ -135,11 +135,10 @@ bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, const Row
            append_checks_cell(buffer, entry) && text_buffer_append(buffer, "</td></tr>\n");
 }
 
-using Reports = std::span<const ReportEntry* const>; // in the order of the page's rows
-
 // Appends a table of the `length` reports that belong to it.
 template <typename Belongs, typename AppendRow>
-bool append_table(TextBuffer& buffer, const char* header, Reports reports, std::uint64_t length,
+bool append_table(TextBuffer& buffer, const char* header,
+                  std::span<const ReportEntry* const> reports, std::uint64_t length,
                   Belongs belongs, AppendRow append_row, const Rows& rows)
 {
     const bool is_paged = length > TABLE_PAGE_SIZE;

@@ -117,7 +117,7 @@ for (const [path, tiles, width, rows] of [
   [passedPage, "four", 720, [[1, 1, 1, 1]]],
   [passedPage, "four", 700, [[1, 1, 1, 1]]],
   [fullPage, "five", 1280, [[1, 1, 1, 1, 1.4]]],
-  [fullPage, "five", 721, [[1, 1, 1, 1, 1.16]]],
+  [fullPage, "five", 731, [[1, 1, 1, 1, 1.24]]],
 ]) {
   test(`${tiles} tiles share the width as laid out at ${width} pixels`, async () => {
     await withPage(path, { width }, async (page) => {

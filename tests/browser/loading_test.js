@@ -147,6 +147,9 @@ test("nothing of the waiting is left when the rows have come", async () => {
     for (const index of [0, 1, 2]) {
       assert.deepEqual(await seen(page, index), { rows: 100, note: "", status: "Page 1 of 2" });
     }
+    // A browser visits every node beside the rows at each press, the line breaks as well.
+    const nodes = await page.$$eval("table[data-page-size] tbody", (all) => all.map((e) => e.childNodes.length));
+    assert.deepEqual(nodes, [101, 102, 103]);
   });
 });
 

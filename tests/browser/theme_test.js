@@ -95,8 +95,7 @@ for (const [colorScheme, label, background] of [
       });
       assert.equal(await page.attribute("#themeToggle", "aria-label"), label);
       assert.equal(await page.attribute("html", "data-theme"), null);
-      await page.click("#themeToggle");
-      assert.equal(await page.attribute("html", "data-theme"), null);
+      assert.equal(await page.countVisible("#themeToggle"), 0);
     });
   });
 }

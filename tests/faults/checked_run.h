@@ -19,8 +19,7 @@ struct Reference
     Listings listings;
 };
 
-// Runs the program under these faults and fails the test unless all is as forecast, every
-// fault struck where the reference has that call, and nothing is leaked. Returns the
-// calls that failed.
+// Runs the program under these faults and fails the test unless a call failed, all is as
+// forecast and nothing is leaked. Returns the calls that failed.
 std::vector<CallRecord> check_run(const World& world, const Reference& reference,
                                   const std::vector<Fault>& faults);

@@ -76,26 +76,20 @@ private:
     std::vector<std::pair<Effect, CallRecord>> list_;
 };
 
-// How the run ends, and of CutPage and CutJson how many bytes were written. What only
-// counted as a folder ends it at the next folder or, when there is none, at the page.
-struct End
-{
-    Effect effect;
-    std::uint64_t written;
-};
-
-End end_of(const World& world, const Consequences& faults)
+// How the run ends. What only counted as a folder ends it at the next folder or, when
+// there is none, at the page.
+Effect end_of(const World& world, const Consequences& faults)
 {
     if (faults.has(Effect::ClaimsFolder)) {
         const bool is_last = faults.has(Effect::ClaimsFolder, world.missing_folders.back());
-        return {is_last ? Effect::NoPage : Effect::NoFolder, 0};
+        return is_last ? Effect::NoPage : Effect::NoFolder;
     }
     for (const auto& [effect, record] : faults.list()) {
         if (effect < Effect::Completes) {
-            return {effect, record.number};
+            return effect;
         }
     }
-    return {Effect::Completes, 0};
+    return Effect::Completes;
 }
 
 // Appends the files that are listed below a folder, in order.
@@ -222,10 +216,10 @@ std::string message_for(const World& world, Effect end)
     case Effect::NoFolder:
         return folder_message(world.page);
     case Effect::NoPage:
-    case Effect::CutPage:
+    case Effect::EmptyPage:
         return write_message(world.page);
     case Effect::NoJson:
-    case Effect::CutJson:
+    case Effect::EmptyJson:
         return write_message(world.json);
     default:
         return "";
@@ -234,34 +228,25 @@ std::string message_for(const World& world, Effect end)
 
 } // namespace
 
-std::vector<std::string> forecast_list(const World& world, const Listings& listings,
-                                       const std::vector<CallRecord>& failed)
-{
-    return list_files(world, listings, Consequences(world, failed));
-}
-
 Aftermath forecast(const World& world, const Listings& listings,
                    const std::vector<CallRecord>& failed)
 {
     const Consequences faults(world, failed);
-    const End end = end_of(world, faults);
-    Aftermath after = {1, "", message_for(world, end.effect), world.older_page, world.older_json,
-                       {}};
-    if (end.effect >= Effect::NoFolder) {
+    const Effect end = end_of(world, faults);
+    Aftermath after = {1, "", message_for(world, end), world.older_page, world.older_json, {}};
+    if (end >= Effect::NoFolder) {
         after.folders = made_folders(world, faults);
     }
-    if (end.effect < Effect::CutPage) {
+    if (end < Effect::EmptyPage) {
         return after;
     }
     const std::vector<ReportEntry> entries = entries_of(world, listings, faults);
     const SummaryModel model = {INPUT, entries.data(), entries.size(), VERSION_TEXT};
-    const std::string page = page_of(world, model, faults);
-    after.page = end.effect == Effect::CutPage ? page.substr(0, end.written) : page;
-    if (world.wants_json && end.effect >= Effect::CutJson) {
-        const std::string json = json_of(model);
-        after.json = end.effect == Effect::CutJson ? json.substr(0, end.written) : json;
+    after.page = end == Effect::EmptyPage ? "" : page_of(world, model, faults);
+    if (world.wants_json && end >= Effect::EmptyJson) {
+        after.json = end == Effect::EmptyJson ? "" : json_of(model);
     }
-    if (end.effect == Effect::Completes) {
+    if (end == Effect::Completes) {
         after.output = closing_lines(world, model);
         after.status = std::any_of(entries.begin(), entries.end(), fails_run) ? 1 : 0;
     }

@@ -24,13 +24,13 @@ struct Aftermath
 // What a failed call comes to. The first ones end the run, the sooner the earlier they stand.
 enum class Effect
 {
-    NoInput,  // the input directory's message
-    NoMemory, // "out of memory"
-    NoFolder, // the folder's message
-    NoPage,   // the page's message, an older page as it was
-    CutPage,  // the same, but the page is what was written before
-    NoJson,   // the JSON's message, older JSON as it was
-    CutJson,  // the same, but the JSON is what was written before
+    NoInput,   // the input directory's message
+    NoMemory,  // "out of memory"
+    NoFolder,  // the folder's message
+    NoPage,    // the page's message, an older page as it was
+    EmptyPage, // the same, but nothing was written to the page
+    NoJson,    // the JSON's message, older JSON as it was
+    EmptyJson, // the same, but nothing was written to the JSON
     Completes,
     Nothing,
     ClaimsFolder,  // a missing folder counts as made
@@ -57,7 +57,3 @@ std::optional<Effect> effect_of(const CallRecord& failed);
 // writers make of the files that are left, when nothing fails.
 Aftermath forecast(const World& world, const Listings& listings,
                    const std::vector<CallRecord>& failed);
-
-// The paths of the files that such a run lists, in order.
-std::vector<std::string> forecast_list(const World& world, const Listings& listings,
-                                       const std::vector<CallRecord>& failed);

@@ -172,11 +172,8 @@ void WatchedRun::intercept_transfers()
                   });
               });
     intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
-        return transfer_some(ask(Call::Write, file_, written_), count, [&](std::size_t some) {
-            const ssize_t written = next(file, bytes, some);
-            written_ += written > 0 ? static_cast<std::uint64_t>(written) : 0;
-            return written;
-        });
+        return transfer_some(ask(Call::Write, file_), count,
+                             [&](std::size_t some) { return next(file, bytes, some); });
     });
 }
 
@@ -307,7 +304,6 @@ void WatchedRun::begin_folders()
 void WatchedRun::opened(const char* path, bool for_writing)
 {
     file_ = path;
-    written_ = 0;
     if (for_writing) {
         phase_ = file_ == page_ ? Phase::PageFile : Phase::JsonFile;
     }

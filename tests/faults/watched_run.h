@@ -83,11 +83,8 @@ struct CallRecord
     Phase phase;
     Answer answer;         // Refuse in the record of a call that did not fail
     std::string subject;   // path that the call is about; empty where there is none
-    std::uint64_t number;  // Readdir: entries of this folder so far; Write: bytes of this
-                           // file so far; else 0
+    std::uint64_t number;  // Readdir: entries of this folder so far; else 0
     std::string_view name; // what the linker calls the call
-
-    bool operator==(const CallRecord&) const = default;
 };
 
 // Names in the order in which each folder listed them, by the path that it was opened as.
@@ -178,8 +175,7 @@ private:
     Listings listings_;
     std::string output_;
     std::string errors_;
-    std::string file_;          // the one that is open
-    std::uint64_t written_ = 0; // to the file that is open
+    std::string file_; // the one that is open
     std::unordered_set<void*> blocks_;
     std::set<int> files_;
     std::map<DIR*, Listing> folders_;

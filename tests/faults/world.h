@@ -18,7 +18,7 @@
 
 enum class Scene
 {
-    NoOlderPage,    // beside the tree; its folder is there
+    NoOlderPage,    // beside a large tree; its folder is there
     OlderPage,      // inside the tree, with an older page and older JSON
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
@@ -60,7 +60,7 @@ private:
     void add_link(const std::string& target, const std::string& path);
     void add_few();
     void add_many();
-    void add_tree();
+    void add_tree(int passed);
     void add_oddities();
     void add_older_outputs();
     void read_files();

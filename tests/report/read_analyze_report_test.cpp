@@ -190,18 +190,3 @@ TEST(ReadAnalyzeReport, TheFragmentsMayComeInAnyOrder)
             << document;
     }
 }
-
-TEST(ReadAnalyzeReport, ACutAnywhereInTheTenLinesGivesASoundEntry)
-{
-    const std::string whole = TEN_LINES;
-    for (std::size_t length = 0; length <= whole.size(); ++length) {
-        SCOPED_TRACE(length);
-        const ReadReport report = scrape(whole.substr(0, length));
-        // Each is there once its last "</div>" or "</nav>" is whole.
-        EXPECT_EQ(report.kind == ReportKind::Analyzed, length >= 36);
-        EXPECT_EQ(report.analysis_mode == "Loopback", length >= 127);
-        EXPECT_EQ(report.analysis_mode_sub == "stereo, 48 kHz", length >= 169);
-        EXPECT_EQ(report.failed_checks.size() == 1, length >= whole.size() - 1);
-        EXPECT_EQ(report.non_gating_checks.size() == 1, length >= whole.size() - 1);
-    }
-}

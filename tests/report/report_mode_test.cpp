@@ -72,15 +72,6 @@ TEST(ReportMode, AValueOnTheLineOfTheLabelIsNotRead)
     expect_modes(LABEL + " \n" + VALUE + "mode" + CLOSE, "", "");
 }
 
-TEST(ReportMode, AFigureCutByTheEndOfTheDocumentIsNotRead)
-{
-    const std::string whole = LABEL + "\n" + VALUE + "mode" + CLOSE;
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        expect_modes(whole.substr(0, length), "", "");
-    }
-    expect_modes(whole, "mode", "");
-}
-
 TEST(ReportMode, WithoutTheEndOfTheModeBothAreEmpty)
 {
     expect_modes(LABEL + "\n" + VALUE + "mode\n" + SUB + "sub</DIV>", "", "");

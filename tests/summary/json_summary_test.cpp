@@ -230,13 +230,3 @@ TEST(JsonSummary, DoesNotUseTheVersion)
     model.version = nullptr;
     EXPECT_EQ(json_of(model), json_of(std::vector<ReportEntry>()));
 }
-
-TEST(JsonSummary, UsesNothingOfAnOtherFileButItsPathAndKind)
-{
-    ReportEntry entry = unrelated_file("a.html");
-    entry.analysis_mode[0] = 'M';
-    entry.error[0] = 'E';
-    entry.failed_check_count = 0xAAAAAAAAAAAAAAAA;
-    entry.non_gating_check_count = 0xAAAAAAAAAAAAAAAA;
-    EXPECT_EQ(json_of({entry}), json_of({unrelated_file("a.html")}));
-}

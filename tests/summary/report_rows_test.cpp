@@ -105,28 +105,12 @@ TEST(AnalyzedRow, OfAPassedReportHoldsItsBadgeAndDashes)
               "<td><span class=\"badge pass\">PASS</span></td><td>&mdash;</td></tr>\n");
 }
 
-TEST(AnalyzedRow, NeverShowsAnErrorText)
-{
-    ReportEntry entry = passed_report("a.html");
-    entry.error[0] = 'E';
-    EXPECT_EQ(row_of(entry), row_of(passed_report("a.html")));
-}
-
 TEST(ErroredRow, HoldsNumberLinkBadgeAndReasonEscaped)
 {
     EXPECT_EQ(row_of(errored_report("album/track02.htm", "Input \"a/b.wav\" <&> 'c' \\ d")),
               "<tr><td>1</td><td><a href=\"album/track02.htm\">album/<wbr>track02</a></td>"
               "<td><span class=\"badge fail\">ERROR</span></td><td style=\"text-align:left\">"
               "Input &quot;a/b.wav&quot; &lt;&amp;&gt; &#39;c&#39; \\ d</td></tr>\n");
-}
-
-TEST(ErroredRow, ShowsNeitherModesNorChecks)
-{
-    ReportEntry entry = errored_report("a.html", "reason");
-    set_modes(entry, "Mode X", "Variant 1");
-    set_failed_checks(entry, {"Check A"});
-    set_non_gating_checks(entry, {"Check B"});
-    EXPECT_EQ(row_of(entry), row_of(errored_report("a.html", "reason")));
 }
 
 TEST(ErroredRow, ShowsADashForAnEmptyReasonAndAnyOtherWhole)

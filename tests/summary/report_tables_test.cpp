@@ -217,18 +217,6 @@ TEST(ReportTable, KeepsTheOrderOfItsViewAndHandsTheCounterOn)
     EXPECT_EQ(counter, 4294967296U);
 }
 
-TEST(ReportTable, SelectsByEqualPassedFlagAndBadgesByNonZero)
-{
-    ReportEntry entry = passed_report("a.html");
-    std::uint64_t counter = 0;
-    const std::string passed = report_table({entry}, 1, counter);
-    entry.passed = 2;
-    EXPECT_EQ(report_table({entry}, 1, counter), table(ANALYZED_HEADER));
-    EXPECT_EQ(report_table({entry}, 0, counter), table(ANALYZED_HEADER));
-    counter = 0;
-    EXPECT_EQ(report_table({entry}, 2, counter), passed);
-}
-
 TEST(ReportTable, CountsOnlyItsOwnRowsForThePageSize)
 {
     const Lines paths = numbered_paths("", 101);

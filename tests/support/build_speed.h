@@ -1,6 +1,5 @@
-// How far exhaustive tests go in this build. An unoptimised or instrumented one is
-// several times slower, so that such a test takes the smaller of two bounds in it;
-// the machine's mood never decides.
+// Whether AddressSanitizer watches this build, which then takes several times the time
+// and the memory.
 
 #pragma once
 
@@ -14,10 +13,4 @@ inline constexpr bool IS_SANITIZED = false;
 #endif
 #else
 inline constexpr bool IS_SANITIZED = false;
-#endif
-
-#if defined(__OPTIMIZE__)
-inline constexpr bool IS_FAST_BUILD = !IS_SANITIZED;
-#else
-inline constexpr bool IS_FAST_BUILD = false;
 #endif

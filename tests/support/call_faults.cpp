@@ -83,8 +83,6 @@ MemoryFile::MemoryFile()
                 path_ = path;
                 bytes_.clear();
                 is_open_ = true;
-                flags_ = flags;
-                mode_ = mode;
                 return MEMORY_DESCRIPTOR;
             }),
       write_(write_call,

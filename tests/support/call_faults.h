@@ -190,22 +190,10 @@ public:
         return is_open_;
     }
 
-    // How it was opened.
-    int flags() const
-    {
-        return flags_;
-    }
-    mode_t mode() const
-    {
-        return mode_;
-    }
-
 private:
     std::string path_;
     std::string bytes_;
     bool is_open_ = false;
-    int flags_ = 0;
-    mode_t mode_ = 0;
     Interception<int, const char*, int, mode_t> open_;
     Interception<ssize_t, int, const void*, std::size_t> write_;
     Interception<int, int> close_;
