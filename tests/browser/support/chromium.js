@@ -59,6 +59,9 @@ async function newTab(browser, options, seen, patience) {
   context.setDefaultTimeout(patience);
   watch(context, seen);
   const page = await context.newPage();
+  // Started on a busy machine, it can show scroll bars in spite of its command line.
+  const session = await context.newCDPSession(page);
+  await session.send("Emulation.setScrollbarsHidden", { hidden: true });
   return {
     open: (url, { until }) => page.goto(url, { waitUntil: until === "load" ? "load" : "commit" }),
     reload: () => page.reload(),
