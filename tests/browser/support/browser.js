@@ -129,6 +129,22 @@ function leave(why) {
 }
 
 /**
+ * Browsers stumble by themselves now and then, most of all on a busy machine. What fails
+ * twice is a failure; what fails once is named.
+ */
+function inTwoTries(name, body) {
+  return async (...context) => {
+    try {
+      await body(...context);
+    } catch (problem) {
+      const [reason] = String(problem.message).split("\n");
+      console.log(`# ${BROWSER} needed a second try: ${name}: ${reason}`);
+      await body(...context);
+    }
+  };
+}
+
+/**
  * A test that runs in every browser that can do what it needs, for example
  * { needs: "print" }; the lists of what they cannot are in their files.
  */
@@ -139,7 +155,7 @@ export function test(name, ...rest) {
   if (missing) {
     leave(CANNOT[missing]);
   } else {
-    plainTest(name, body);
+    plainTest(name, inTwoTries(name, body));
   }
 }
 
@@ -147,7 +163,7 @@ export function test(name, ...rest) {
 export function testOnce(why) {
   return (name, body) => {
     if (BROWSER === NAMES[0]) {
-      plainTest(name, body);
+      plainTest(name, inTwoTries(name, body));
     } else {
       leave(`${why}, so ${NAMES[0]} alone runs them`);
     }
