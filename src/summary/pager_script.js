@@ -82,6 +82,11 @@
       nextButton.disabled = page === pageCount - 1;
     }
 
+    Array.prototype.forEach.call(rows, removeGap);
+    setHidden(0, rows.length, true);
+    showPage(0);
+
+    // Last, so that no button works in a table that could not be paged.
     previousButton.addEventListener("click", function () {
       if (currentPage > 0) {
         showPage(currentPage - 1);
@@ -92,16 +97,27 @@
         showPage(currentPage + 1);
       }
     });
-
-    Array.prototype.forEach.call(rows, removeGap);
-    setHidden(0, rows.length, true);
-    showPage(0);
   }
 
-  // The rows wait for this mark. It is set whatever becomes of the paging.
-  try {
-    Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), pageTable);
-  } finally {
-    document.documentElement.setAttribute("data-paged", "");
+  function showRow(row) {
+    row.hidden = false;
   }
+
+  // A table that cannot be paged keeps all its rows, and the others page as ever. What
+  // went wrong is thrown again on its own, for the console.
+  function tryToPageTable(table) {
+    try {
+      pageTable(table);
+    } catch (error) {
+      Array.prototype.forEach.call(table.querySelectorAll("tbody tr"), showRow);
+      window.setTimeout(function () {
+        throw error;
+      });
+    }
+  }
+
+  Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), tryToPageTable);
+
+  // The rows wait for this mark.
+  document.documentElement.setAttribute("data-paged", "");
 })();

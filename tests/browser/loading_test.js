@@ -2,12 +2,13 @@
 // never run. Rows wait for the script that pages them, but never for good.
 
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
+import { readFileSync, writeFileSync } from "node:fs";
 import { createServer } from "node:http";
+import { join } from "node:path";
 import { after } from "node:test";
 
 import { test, withPage } from "./support/browser.js";
-import { pageOf, pageWith } from "./support/program.js";
+import { newFolder, pageOf, pageWith } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
 const ROWS = 3000;
@@ -90,7 +91,7 @@ test("while a page comes, its rows wait and it says so; then they are paged", as
     assert.equal(await page.attribute("html", "data-paged"), null);
     assert.deepEqual(await seen(page), HALF);
     const note = await page.computed("table[data-page-size]", ["display", "caption-side", "color"], "::after");
-    assert.deepEqual(note, { display: "table-caption", "caption-side": "bottom", color: "rgb(139, 150, 161)" });
+    assert.deepEqual(note, { display: "table-caption", "caption-side": "bottom", color: "rgb(85, 99, 111)" });
     await finish();
     assert.equal(await page.attribute("html", "data-paged"), "");
     assert.deepEqual(await seen(page), PAGED);
@@ -98,7 +99,8 @@ test("while a page comes, its rows wait and it says so; then they are paged", as
 });
 
 test("what a reader sees first stands at once and stays where it is when the rows come", async () => {
-  const first = ".topbar, .topbar *, .signal-row, .signal-row *, .kpi, .kpi *, .card-head, .htext, p, thead, th";
+  // The script takes one of the theme button's icons away, within the button.
+  const first = ".topbar, .topbar :not(.theme-toggle *), .signal-row, .signal-row *, .kpi, .kpi *, .card-head, .htext, p, thead, th";
   const places = (page) =>
     page.$$eval(first, (all) =>
       all.map((e) => {
@@ -106,22 +108,18 @@ test("what a reader sees first stands at once and stays where it is when the row
         return [e.tagName, e.className.baseVal ?? e.className, left, top, width, height].join(" ");
       }),
     );
-  for (const [width, path] of [[1280, longPage], [390, pageOf(suite({ failed: ROWS }))]]) {
+  const failedPage = pageOf(suite({ failed: ROWS }));
+  const cases = [1280, 390].flatMap((width) => [[width, longPage], [width, failedPage]]);
+  for (const [width, path] of cases) {
     await withHalfPage(
       { width },
       async (page, finish) => {
-        // The icons are drawn by the script, in a button that keeps their place.
-        await page.$$eval(".theme-toggle svg", (all) => all.forEach((e) => e.remove()));
-        await page.evaluate(() => {
-          document.querySelector(".theme-toggle").innerHTML =
-            '<svg class="ti-sun" style="display: none"></svg><svg class="ti-moon" style="display: block"></svg>';
-        });
         const before = await places(page);
         assert.ok(before.length > 30);
         assert.equal(await page.text(".kpi .v"), String(ROWS));
         await finish();
         const same = (await places(page)).slice(0, before.length);
-        assert.deepEqual(same, before, `${width} pixels`);
+        assert.deepEqual(same, before, `${width} pixels, ${path === failedPage ? "failed" : "passed"}`);
       },
       path,
     );
@@ -158,13 +156,12 @@ test("nothing of the waiting is left when the rows have come", async () => {
 
 // Scripts that are allowed in principle, but never run, or not to their end.
 
-function pageWithout(scripts) {
-  const html = readFileSync(shorterPage, "utf8");
-  const [text] = html.match(scripts);
-  return pageWith(shorterPage, text, "");
+function withoutScripts(path) {
+  const [text] = readFileSync(path, "utf8").match(/<script>[^]*<\/script>\n/);
+  return pageWith(path, text, "");
 }
 
-const stripped = pageWithout(/<script>[^]*<\/script>\n/);
+const stripped = withoutScripts(shorterPage);
 const STATES = [
   ["scripts are stripped", stripped, /^$/],
   [
@@ -210,12 +207,20 @@ function stopClocks(page, time) {
   }, time);
 }
 
+/** Waits until the rows of the one table stay, whatever becomes of the press. */
+function untilKept(page) {
+  return page.until(() => {
+    const waits = document.getAnimations().filter((e) => e.animationName === "rows-asked-for");
+    return waits.every((e) => e.playState === "finished");
+  });
+}
+
 for (const [state, path, complaint] of STATES) {
   for (const reducedMotion of ["no-preference", "reduce"]) {
     test(`${state}: rows come within 30 s (${reducedMotion})`, async () => {
       await withDeadPage(path, complaint, { reducedMotion }, async (page) => {
         assert.deepEqual(await seen(page), WAITING);
-        assert.deepEqual(await clocks(page), [["table", "running"], ["div", "running"]]);
+        assert.deepEqual(await clocks(page), [["html", "running"]]);
         await stopClocks(page, WAIT_MS - 1);
         assert.deepEqual(await seen(page), WAITING);
         await stopClocks(page, WAIT_MS + 1);
@@ -231,9 +236,7 @@ for (const [state, path, complaint] of STATES) {
           return last.getClientRects().length > 0;
         }, FEWER);
         assert.deepEqual(await seen(page), ALL);
-        await page.until(() =>
-          document.getAnimations().every((e) => e.animationName !== "rows-asked-for" || e.playState === "finished"),
-        );
+        await untilKept(page);
         await page.click("h3");
         assert.ok(await page.evaluate("document.activeElement === document.body"));
         assert.deepEqual(await seen(page), ALL);
@@ -252,9 +255,29 @@ for (const [state, path, complaint] of STATES) {
   });
 }
 
-test("the keyboard shows the rows, too, when it comes to the pager", async () => {
+test("a pager that comes when the 30 s are over says no other than its table", async () => {
+  await withHalfPage(
+    {},
+    async (page, finish) => {
+      assert.deepEqual(await seen(page), HALF);
+      await stopClocks(page, WAIT_MS + 1);
+      const half = await seen(page);
+      assert.ok(half.rows > 1000 && half.rows < ROWS);
+      assert.equal(half.note, "");
+      await finish();
+      assert.deepEqual(await seen(page), { ...ALL, rows: ROWS });
+    },
+    withoutScripts(longPage),
+  );
+});
+
+test("the keyboard shows the rows, too, when it comes to the pager, and they stay when it goes", async () => {
   await withPage(stripped, {}, async (page) => {
     await page.focus("[data-dt-prev]");
+    assert.deepEqual(await seen(page), ALL);
+    await untilKept(page);
+    await page.focus("tbody a");
+    assert.ok(await page.evaluate('document.activeElement.matches("tbody a")'));
     assert.deepEqual(await seen(page), ALL);
   });
 });
@@ -279,31 +302,57 @@ test("with scripting switched off every row is there at once and nothing to pres
   });
 });
 
-test("a pager that stumbles over one table leaves the rows of the others readable", async () => {
-  const path = pageWith(threeTables, '<p class="compare-table-title">Failed', '<p class="compare-table-title" id="f">Failed');
-  const broken = pageWith(path, '<span class="dt-pager-status"></span>', "");
-  await withDeadPage(broken, /null|status/, {}, async (page) => {
-    assert.equal(await page.attribute("html", "data-paged"), "");
-    assert.deepEqual(
-      await page.$$eval("table[data-page-size]", (tables) =>
-        tables.slice(1).map((table) => [...table.querySelectorAll("tbody tr")].filter((e) => e.getClientRects().length).length),
-      ),
-      [102, 103],
-    );
+test("a page that was saved when it had been paged shows every row where scripting is off", async () => {
+  const saved = join(newFolder(), "saved.html");
+  await withPage(threeTables, {}, async (page) => {
+    await page.click("[data-dt-next]", { index: 1 });
+    assert.deepEqual(await seen(page, 1), { rows: 2, note: "", status: "Page 2 of 2" });
+    // Scripts in the head are those that listen for this test.
+    await page.$$eval("head script", (all) => all.forEach((e) => e.remove()));
+    writeFileSync(saved, await page.evaluate("`<!DOCTYPE html>${document.documentElement.outerHTML}`"));
+  });
+  await withPage(saved, { scripting: false }, async (page) => {
+    assert.equal(await page.countVisible("tbody tr"), 306);
+  });
+  await withPage(saved, {}, async (page) => {
+    assert.deepEqual(await seen(page, 1), { rows: 100, note: "", status: "Page 1 of 2" });
   });
 });
 
-test("until its script has run the theme button keeps its place but does not show", async () => {
-  await withPage(stripped, {}, async (page) => {
-    const names = ["visibility", "display", "width"];
-    assert.deepEqual(await page.computed(".theme-toggle", names), {
-      visibility: "hidden",
-      display: "flex",
-      width: "30px",
-    });
+test("a pager that stumbles over one table pages the others and leaves that one all its rows", async () => {
+  const status = '<span class="dt-pager-status"></span>';
+  const html = readFileSync(threeTables, "utf8");
+  const broken = join(newFolder(), "summary.html");
+  // The first one's alone.
+  writeFileSync(broken, html.replace(status, ""));
+  const listen = () => {
+    window.complaints = [];
+    window.addEventListener("error", (event) => window.complaints.push(event.message));
+  };
+  await withDeadPage(broken, /null|status/, { scripts: [[listen]] }, async (page) => {
+    assert.equal(await page.attribute("html", "data-paged"), "");
+    await page.until(() => window.complaints.length > 0);
+    assert.equal(await page.evaluate("window.complaints.length"), 1);
+    assert.deepEqual(await seen(page, 0), { rows: 101, note: "", status: null });
+    await page.click("[data-dt-next]");
+    assert.equal((await seen(page, 0)).rows, 101);
+    assert.deepEqual(await seen(page, 1), { rows: 100, note: "", status: "Page 1 of 2" });
+    await page.click("[data-dt-next]", { index: 2 });
+    assert.deepEqual(await seen(page, 2), { rows: 3, note: "", status: "Page 2 of 2" });
   });
-  await withPage(shorterPage, {}, async (page) => {
-    assert.equal((await page.computed(".theme-toggle", ["visibility"])).visibility, "visible");
+});
+
+test("until its script has run the theme button holds both icons, beside each other", async () => {
+  await withPage(stripped, {}, async (page) => {
+    const [button, sun, moon] = await page.$$eval(".theme-toggle, .theme-toggle svg", (all) =>
+      all.map((e) => {
+        const { left, right, width } = e.getBoundingClientRect();
+        return { left, right, width, visibility: getComputedStyle(e).visibility };
+      }),
+    );
+    assert.deepEqual([button.width, sun.width, moon.width], [30, 12, 12]);
+    assert.ok(button.left < sun.left && sun.right < moon.left && moon.right < button.right);
+    assert.ok([button, sun, moon].every((e) => e.visibility === "visible"));
   });
 });
 
