@@ -219,6 +219,19 @@ class Tab {
     }
   }
 
+  /** A session that waits for no page still asks the last one for a while, which leaves. */
+  async untilBlank() {
+    const isBlank = `location.href === ${JSON.stringify(this.blank)}`;
+    const leaving = (error) => {
+      if (!error.message.startsWith("no such frame")) {
+        throw error;
+      }
+    };
+    while (!(await this.evaluate(isBlank).catch(leaving))) {
+      await pause(5);
+    }
+  }
+
   async setMedia(changes) {
     const { colorScheme, reducedMotion } = this.settings.change(changes);
     const queries = [
@@ -270,6 +283,7 @@ class Tab {
   async close() {
     await this.collect();
     await this.session.send("POST", "/url", { url: this.blank });
+    await this.untilBlank();
     await this.evaluate("window.localStorage && localStorage.clear()");
   }
 }
