@@ -8,7 +8,7 @@ namespace {
 
 // Creates the folder that the first length bytes of path name, unless it is there. The
 // path is whole again afterwards.
-bool make_folder_above(char* path, std::size_t length)
+bool make_prefix_folder(char* path, std::size_t length)
 {
     const char separator = path[length];
     path[length] = '\0';
@@ -17,7 +17,7 @@ bool make_folder_above(char* path, std::size_t length)
     return exists;
 }
 
-// What stands before the last separator, if anything does.
+// What stands before the last separator of either kind, if anything does.
 std::string_view folder_above(std::string_view path)
 {
     while (!path.empty() && !is_path_separator(path.back())) {
@@ -26,7 +26,7 @@ std::string_view folder_above(std::string_view path)
     return path.substr(0, path.empty() ? 0 : path.size() - 1);
 }
 
-// Whether path is a drive such as "C:", which is never created on the way to a folder.
+// Whether path is a drive such as "C:", which is created as the page's own folder alone.
 bool is_drive(std::string_view path)
 {
     return path.size() == 2 && path[1] == ':';
@@ -44,11 +44,11 @@ bool create_page_folders(std::string_view page_path)
     const std::string_view folder = folder_above(page_path);
     for (std::size_t i = 1; i < folder.size(); ++i) {
         if (is_path_separator(folder[i]) && !is_drive(folder.substr(0, i)) &&
-            !make_folder_above(path.data, i)) {
+            !make_prefix_folder(path.data, i)) {
             return false;
         }
     }
-    return folder.empty() || make_folder_above(path.data, folder.size());
+    return folder.empty() || make_prefix_folder(path.data, folder.size());
 }
 
 bool append_json_path(BoundedText& json_path, std::string_view page_path)

@@ -6,8 +6,8 @@
 #include "report/report_entry.h"
 
 // Does the whole job and prints its closing lines or its one error message.
-// Returns the exit status: 0 when every report passed and every file could be
-// read, 1 otherwise or when anything could not be done.
+// Returns the exit status: 1 when a report failed or errored, a file could not be read,
+// or the page or the JSON file could not be written; else 0.
 [[nodiscard]] int run_summary(const CommandLine& options);
 
 // Reads the file at input_dir, "/" and relative_path into entry. A path that takes more

@@ -19,16 +19,15 @@
 // in memory, or gave fewer bytes than its size; contents is left untouched.
 [[nodiscard]] bool read_whole_file(const char* path, char*& contents);
 
-// Creates or truncates the file and hands all length bytes to the system in one
-// write, so that true means that the system took every byte. The result of
-// closing is ignored.
+// Creates or truncates the file and writes all length bytes, going on where the system took
+// a part of them. The result of closing is ignored.
 // False: the file cannot be opened, or fewer bytes were taken; an empty or cut
 // file may be left behind.
 [[nodiscard]] bool write_whole_file(const char* path, const char* bytes, std::uint64_t length);
 
 // Whether path names a directory, symbolic links followed. A block device and a
-// socket count as well, see files.cpp. False also when the path cannot be
-// examined.
+// socket count as well: the directory bit alone is tested, which their types hold. False also when
+// the path cannot be examined.
 [[nodiscard]] bool is_directory(const char* path);
 
 // Makes sure that an entry of that name exists, creating one folder (mode 0755

@@ -11,6 +11,6 @@
 void keep_released_memory();
 
 // Asks the kernel to give the size bytes at block, none of them used yet, in large
-// pages: one page fault for what would be some hundred. Memory that is not used up
-// to the last byte may count as used.
+// pages: one page fault for what would be some hundred. The process may be
+// charged for the rest of a large page that it never touches.
 void prefer_large_pages(void* block, std::size_t size);

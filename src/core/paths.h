@@ -14,8 +14,8 @@ inline constexpr std::uint64_t PATH_BUFFER_SIZE = 4096;
 // Bytes of a buffer that holds two such paths joined by "/", its NUL included.
 inline constexpr std::uint64_t LONG_PATH_BUFFER_SIZE = 8192;
 
-// Whether c separates the components of a path that the user typed or that a link is
-// made of: both kinds do, wherever this program itself takes a path apart.
+// Whether c separates components where folders are created and links are made: both
+// kinds do. The walk, and the page's own folder, know "/" alone.
 constexpr bool is_path_separator(char c)
 {
     return c == '/' || c == '\\';
@@ -26,7 +26,7 @@ constexpr bool is_path_separator(char c)
 inline constexpr std::uint64_t PATH_MAX_COMPONENTS = 64;
 inline constexpr std::uint64_t PATH_COMPONENT_MAX_LENGTH = 255;
 
-// The path without that of the endings in which it ends, to the letter, if it does.
+// path less the first of the endings that it ends in, else path. Case counts.
 std::string_view without_ending(std::string_view path,
                                 std::initializer_list<std::string_view> endings);
 

@@ -47,8 +47,8 @@ struct ReportEntry
     char error[REPORT_ERROR_SIZE]; // character references decoded
 };
 
-// What an entry came to. Whoever asks names every outcome in a switch without default,
-// so that the compiler finds all places to which a new one matters.
+// What an entry came to. Whoever tells all of them apart does it in a switch without
+// default, so that the compiler finds the places to which a new one matters.
 enum class Outcome
 {
     Passed,

@@ -14,7 +14,7 @@ inline constexpr std::uint64_t FILE_LIST_FIRST_CAPACITY = 64;
 
 struct FileList
 {
-    char** paths;           // owned array of owned NUL-terminated strings; null while empty
+    char** paths;           // owned array of owned NUL-terminated strings; null before the first
     std::uint64_t count;    // strings stored
     std::uint64_t capacity; // slots allocated
 };

@@ -9,7 +9,8 @@
 // Hidden entries count like any other.
 //
 // Entries that cannot be examined (a dangling link) or whose path grows too long and
-// folders that cannot be opened are skipped; that fails nothing.
+// folders that cannot be opened are skipped; that fails nothing. A plain file of a folder
+// in which another entry could be examined is listed without a question of its own.
 
 #pragma once
 

@@ -1,5 +1,5 @@
 // The summary as JSON (RFC 8259), its layout fixed to the byte: key order,
-// 4 spaces per level, and an empty array's "]" at the start of its line.
+// 4 spaces per level, and no spaces before the "]" of an empty list of objects.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 #include "core/text_buffer.h"
 #include "summary/summary_model.h"
 
-// Builds the whole document in memory and then writes it to json_path in one
-// write. The model's version is not used.
+// Builds the whole document in memory before it opens json_path and writes it there.
+// The model's version is not used.
 // False: memory ran out while building or the file could not be opened, and a file
 // of that name is as it was; or it could not be written whole, and is cut or empty.
 [[nodiscard]] bool write_json_summary(const char* json_path, const SummaryModel& model);

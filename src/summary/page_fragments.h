@@ -18,5 +18,5 @@
 // The script element that makes the button work and remembers the choice.
 [[nodiscard]] bool append_theme_script(TextBuffer& buffer);
 
-// The script element that pages tables which carry data-page-size.
+// The script that pages tables with data-page-size and stops links that would run one.
 [[nodiscard]] bool append_pager_script(TextBuffer& buffer);

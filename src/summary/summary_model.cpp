@@ -28,7 +28,7 @@ std::uint64_t total_reports(const SummaryTally& tally)
     return tally.passed + tally.failed + tally.errored;
 }
 
-// What the tally counts among the reports.
+// By the tally itself, so that what is listed is what was counted.
 bool is_report(const ReportEntry& entry)
 {
     return tally_entries(&entry, 1).other == 0;

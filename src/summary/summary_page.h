@@ -11,8 +11,8 @@
 // Bytes that format_generated_time is given by the page, the NUL included.
 inline constexpr std::size_t GENERATED_TIME_SIZE = 64;
 
-// Builds the whole page in memory and then writes it to output_path (as typed,
-// relative to the current directory) in one write. The folder must exist.
+// Builds the whole page in memory before it opens output_path (as typed, relative to the
+// current directory) and writes it there. The folder must exist.
 // False: memory ran out while building or the file could not be opened, and a file
 // of that name is as it was; or it could not be written whole, and is cut or empty.
 [[nodiscard]] bool write_summary_page(const char* output_path, const SummaryModel& model);
@@ -29,5 +29,5 @@ inline constexpr std::size_t GENERATED_TIME_SIZE = 64;
 
 // Writes the current time in UTC, such as "2026-01-31 23:59:59 UTC", and its NUL
 // to destination, which holds size bytes. The text has 23 characters; when size is
-// below 24, destination becomes an empty string (if size is not 0).
+// below 24, or the clock gives no date, destination becomes empty (if size is not 0).
 void format_generated_time(char* destination, std::size_t size);

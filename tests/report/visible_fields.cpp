@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -57,9 +58,10 @@ ReadReport visible_fields(const ReportEntry& entry)
 
 bool slots_untouched_from(const Slots& slots, std::uint64_t first)
 {
-    const char* start = slots[0] + std::min(first, REPORT_MAX_CHECKS) * REPORT_TEXT_SIZE;
-    return std::all_of(start, slots[0] + sizeof slots,
-                       [](char byte) { return static_cast<unsigned char>(byte) == OLD_BYTE; });
+    const std::string_view bytes(reinterpret_cast<const char*>(&slots), sizeof slots);
+    const std::string_view rest =
+        bytes.substr(std::min(first, REPORT_MAX_CHECKS) * REPORT_TEXT_SIZE);
+    return rest.find_first_not_of(static_cast<char>(OLD_BYTE)) == std::string_view::npos;
 }
 
 std::string faults_of(const ReportEntry& entry)
