@@ -8,7 +8,12 @@
 # so the worst come first.
 
 def as_summary:
-  if type == "object" and (.reports | type) == "array" and (.other_files | type) == "array"
+  if type == "object" and (.scanned_directory | type) == "string"
+     and ([.total_reports, .passed, .failed, .errored] | all(type == "number"))
+     and (.reports | type) == "array" and (.other_files | type) == "array"
+     and (.reports | all(type == "object"
+          and (.verdict == "PASS" or .verdict == "FAIL" or .verdict == "ERROR")
+          and (.failed_checks | type) == "array" and (.non_gating_checks | type) == "array"))
   then .
   else error("not a summary of fthsummary")
   end;
@@ -17,10 +22,13 @@ def replaced($part; $by): if contains($part) then split($part) | join($by) else 
 
 # Control characters, which a terminal or a log could obey, line breaks of other kinds
 # than the two below, and characters that turn the direction of writing become U+FFFD.
-# jq 1.6 sees nothing behind U+0000; it is the first to be replaced.
 def without_controls:
-  "[\\x00-\\x08\\x0b\\x0c\\x0e-\\x1f\\x7f-\\x{9f}\\x{2028}-\\x{202e}\\x{2066}-\\x{2069}]" as $controls
-  | reduce ([match($controls; "g").string] | unique[]) as $each (.; replaced($each; "\ufffd"));
+  explode
+  | map(if (. < 32 and . != 9 and . != 10 and . != 13) or (. >= 127 and . < 160)
+           or . == 1564 or . == 8206 or . == 8207
+           or (. >= 8232 and . <= 8238) or (. >= 8294 and . <= 8297) then 65533
+        else . end)
+  | implode;
 
 # The runner undoes these escapes; "%" comes first, or it would escape the escapes.
 def data:

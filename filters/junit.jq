@@ -16,7 +16,12 @@
 # no times are given.
 
 def as_summary:
-  if type == "object" and (.reports | type) == "array" and (.other_files | type) == "array"
+  if type == "object" and (.scanned_directory | type) == "string"
+     and ([.total_reports, .passed, .failed, .errored] | all(type == "number"))
+     and (.reports | type) == "array" and (.other_files | type) == "array"
+     and (.reports | all(type == "object"
+          and (.verdict == "PASS" or .verdict == "FAIL" or .verdict == "ERROR")
+          and (.failed_checks | type) == "array" and (.non_gating_checks | type) == "array"))
   then .
   else error("not a summary of fthsummary")
   end;
@@ -24,15 +29,17 @@ def as_summary:
 def replaced($part; $by): if contains($part) then split($part) | join($by) else . end;
 
 # What XML 1.0 forbids, it forbids as a reference, too. The first look, at the text
-# written as JSON, is far quicker than the second. jq 1.6 sees nothing behind U+0000;
-# it is the first to be replaced.
+# written as JSON, is far quicker than the second.
 def without_forbidden:
-  "[\\x00-\\x08\\x0b\\x0c\\x0e-\\x1f\\x{fffe}\\x{ffff}]" as $forbidden
-  | if tojson | contains("\\u00") or contains("\\b") or contains("\\f")
-                or contains("\ufffe") or contains("\uffff")
-    then reduce ([match($forbidden; "g").string] | unique[]) as $each (.; replaced($each; "\ufffd"))
-    else .
-    end;
+  if tojson | contains("\\u00") or contains("\\b") or contains("\\f")
+     or contains("\ufffe") or contains("\uffff")
+  then
+    explode
+    | map(if (. < 32 and . != 9 and . != 10 and . != 13) or . == 65534 or . == 65535 then 65533
+          else . end)
+    | implode
+  else .
+  end;
 
 def xml: without_forbidden | @html | replaced("\r"; "&#13;");
 

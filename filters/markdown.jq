@@ -11,7 +11,12 @@
 # which never means markup. So what is shown can be copied as it is.
 
 def as_summary:
-  if type == "object" and (.reports | type) == "array" and (.other_files | type) == "array"
+  if type == "object" and (.scanned_directory | type) == "string"
+     and ([.total_reports, .passed, .failed, .errored] | all(type == "number"))
+     and (.reports | type) == "array" and (.other_files | type) == "array"
+     and (.reports | all(type == "object"
+          and (.verdict == "PASS" or .verdict == "FAIL" or .verdict == "ERROR")
+          and (.failed_checks | type) == "array" and (.non_gating_checks | type) == "array"))
   then .
   else error("not a summary of fthsummary")
   end;
@@ -22,6 +27,7 @@ def one_line:
   explode
   | map(if (. >= 9 and . <= 13) or . == 133 or . == 8232 or . == 8233 then 32
         elif . < 32 or (. >= 127 and . < 160)
+             or . == 1564 or . == 8206 or . == 8207
              or (. >= 8234 and . <= 8238) or (. >= 8294 and . <= 8297) then 65533
         else . end)
   | implode;

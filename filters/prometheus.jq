@@ -7,7 +7,12 @@
 # directories can lie side by side.
 
 def as_summary:
-  if type == "object" and (.reports | type) == "array" and (.other_files | type) == "array"
+  if type == "object" and (.scanned_directory | type) == "string"
+     and ([.total_reports, .passed, .failed, .errored] | all(type == "number"))
+     and (.reports | type) == "array" and (.other_files | type) == "array"
+     and (.reports | all(type == "object"
+          and (.verdict == "PASS" or .verdict == "FAIL" or .verdict == "ERROR")
+          and (.failed_checks | type) == "array" and (.non_gating_checks | type) == "array"))
   then .
   else error("not a summary of fthsummary")
   end;

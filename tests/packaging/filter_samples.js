@@ -209,4 +209,12 @@ export function filtered(test, filter, summary, { status = 0 } = {}) {
 }
 
 // What is no summary, or not all of one.
-export const NO_SUMMARIES = [{}, [], ["text"], 1, null, { reports: [] }, { reports: [], other_files: {} }];
+const NOTHING = { scanned_directory: "d", total_reports: 0, passed: 0, failed: 0, errored: 0, other_files: [] };
+const BARE = { relative_path: "r.html", verdict: "PASS", failed_checks: [], non_gating_checks: [] };
+export const NO_SUMMARIES = [
+  ...[{}, [], ["text"], 1, null, { reports: [] }, { reports: [], other_files: {} }],
+  { reports: [], other_files: [] },
+  { ...NOTHING, reports: [1] },
+  { ...NOTHING, reports: [{ relative_path: "r.html", verdict: "PASS" }] },
+  { ...NOTHING, reports: [{ ...BARE, verdict: "FUTURE" }] },
+];
