@@ -30,6 +30,8 @@ constexpr Rule RULES[] = {
     {Call::Readdir, Answer::Refuse, Phase::Walk, Effect::EndsFolder},
     {Call::Closedir, Answer::Refuse, Phase::Start, Effect::Nothing},
     {Call::Closedir, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Fstatfs, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Lstat, Answer::Refuse, Phase::Walk, Effect::Nothing},
     {Call::Stat, Answer::Refuse, Phase::Walk, Effect::HidesEntry},
     {Call::Realpath, Answer::Refuse, Phase::Start, Effect::ForgetsPage},
     {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},

@@ -217,9 +217,13 @@ void WatchedRun::intercept_folders()
 
 void WatchedRun::intercept_paths()
 {
+    intercept_refusing(fstatfs_call, Call::Fstatfs, -1, ENOSYS);
     intercept(stat_call, [this](const auto& next, const char* path, struct stat* status) {
         begin_folders();
         return refuses(Call::Stat, EACCES, path) ? -1 : next(path, status);
+    });
+    intercept(lstat_call, [this](const auto& next, const char* path, struct stat* status) {
+        return refuses(Call::Lstat, EACCES, path) ? -1 : next(path, status);
     });
     intercept(mkdir_call, [this](const auto& next, const char* path, mode_t mode) {
         begin_folders();
@@ -346,9 +350,9 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",  "realloc", "open",     "lseek",    "pread",   "write",    "close",
-        "opendir", "readdir", "closedir", "stat",     "mkdir",   "realpath", "format",
-        "print",   "time",    "gmtime_r", "strftime", "madvise", "mallopt"};
+        "malloc",  "realloc",  "open",     "lseek",    "pread",   "write",  "close",    "opendir",
+        "readdir", "closedir", "fstatfs",  "stat",     "lstat",   "mkdir",  "realpath", "format",
+        "print",   "time",     "gmtime_r", "strftime", "madvise", "mallopt"};
     return NAMES[index_of(call)];
 }
 

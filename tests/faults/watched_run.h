@@ -30,7 +30,9 @@ enum class Call
     Opendir,
     Readdir,
     Closedir,
+    Fstatfs,
     Stat,
+    Lstat,
     Mkdir,
     Realpath,
     Format,
@@ -41,7 +43,7 @@ enum class Call
     Madvise,
     Mallopt,
 };
-inline constexpr std::size_t CALL_COUNT = 20;
+inline constexpr std::size_t CALL_COUNT = 22;
 
 // What a failing call says.
 enum class Answer

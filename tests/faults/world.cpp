@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include <linux/magic.h>
+
 #include "cli/sample_reports.h"
 #include "report/read_analyze_report.h"
 
@@ -32,8 +34,9 @@ std::string errored()
 
 const char* name_of(Scene scene)
 {
-    static constexpr std::array<const char*, 6> NAMES = {
-        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed", "NoJson", "ManyReports"};
+    static constexpr std::array<const char*, 7> NAMES = {
+        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed",
+        "NoJson",      "Share",     "ManyReports"};
     return NAMES[static_cast<std::size_t>(scene)];
 }
 
@@ -42,7 +45,7 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     fs::current_path(temp_.path());
     page = "out/summary.html";
     temp_.make_folder("out");
-    if (scene == Scene::OlderPage) {
+    if (scene == Scene::OlderPage || scene == Scene::Share) {
         page = "in/latest/summary.html";
         add_older_outputs();
     } else if (scene == Scene::MissingFolders) {
@@ -63,6 +66,12 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     }
     reset();
     read_files();
+    if (scene == Scene::Share) {
+        share_.emplace(fstatfs_call, [](const auto&, int, struct statfs* status) {
+            status->f_type = FUSE_SUPER_MAGIC;
+            return 0;
+        });
+    }
 }
 
 World::~World()

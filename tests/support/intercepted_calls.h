@@ -21,6 +21,7 @@
 #include <dirent.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/vfs.h>
 
 template <typename Signature>
 struct InterceptedCall;
@@ -59,7 +60,9 @@ extern InterceptedCall<int(int)> close_call;
 extern InterceptedCall<DIR*(const char*)> opendir_call;
 extern InterceptedCall<dirent*(DIR*)> readdir_call;
 extern InterceptedCall<int(DIR*)> closedir_call;
+extern InterceptedCall<int(int, struct statfs*)> fstatfs_call;
 extern InterceptedCall<int(const char*, struct stat*)> stat_call;
+extern InterceptedCall<int(const char*, struct stat*)> lstat_call;
 extern InterceptedCall<int(const char*, mode_t)> mkdir_call;
 extern InterceptedCall<char*(const char*, char*)> realpath_call;
 
