@@ -67,9 +67,12 @@ bool read_files(const CommandLine& options, Reading& reading)
         return false;
     }
     prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
+    ReadAhead ahead;
+    read_ahead_init(ahead, options.input_dir, reading.files.paths, count);
     for (std::uint64_t i = 0; i < count; ++i) {
-        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
+        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i], &ahead);
     }
+    read_ahead_free(ahead);
     return true;
 }
 
@@ -150,12 +153,13 @@ int run_steps(const CommandLine& options, Reading& reading)
 
 } // namespace
 
-void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry)
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry,
+                ReadAhead* ahead)
 {
     char bytes[LONG_PATH_BUFFER_SIZE];
     BoundedText path = {bytes, sizeof bytes, 0};
     if (append_all(path, input_dir, "/", relative_path)) {
-        read_analyze_report(path.data, relative_path, entry);
+        read_analyze_report(path.data, relative_path, entry, ahead);
         return;
     }
     // Unreachable in a run, whose walk keeps paths far shorter.

@@ -45,6 +45,17 @@ constexpr Rule RULES[] = {
     {Call::Pread, Answer::Nothing, Phase::Reading, Effect::Unreadable},
     {Call::Close, Answer::Refuse, Phase::Reading, Effect::Nothing},
 
+    // Reading ahead. The clock and what the run has used tell whether it is worth it.
+    {Call::Clock, Answer::Refuse, Phase::Reading, Effect::Nothing},
+    {Call::Usage, Answer::Refuse, Phase::Reading, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::WouldBlock, Phase::Ahead, Effect::Nothing},
+    {Call::Fstat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Fadvise, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Close, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Reading, Effect::Nothing},
+
     // Folders. One that cannot be examined is made, and one that is there counts as made.
     {Call::Stat, Answer::Refuse, Phase::Folders, Effect::Nothing},
     {Call::Mkdir, Answer::Refuse, Phase::Folders, Effect::NoFolder},

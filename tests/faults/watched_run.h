@@ -23,6 +23,8 @@ enum class Call
     Malloc,
     Realloc,
     Open,
+    Fstat,
+    Fadvise,
     Lseek,
     Pread,
     Write,
@@ -38,12 +40,14 @@ enum class Call
     Format,
     Print,
     Time,
+    Clock,
+    Usage,
     Gmtime,
     Strftime,
     Madvise,
     Mallopt,
 };
-inline constexpr std::size_t CALL_COUNT = 22;
+inline constexpr std::size_t CALL_COUNT = 26;
 
 // What a failing call says.
 enum class Answer
@@ -63,6 +67,7 @@ enum class Phase
     Walk,     // lists the files
     Entries,  // has listed them
     Reading,  // reads one file after another
+    Ahead,    // meanwhile opens another one ahead
     Folders,  // makes the folders above the page
     Page,     // assembles the page
     PageFile, // writes it
@@ -160,7 +165,9 @@ private:
 
     void begin_assembling();
     void begin_folders();
-    void opened(const char* path, bool for_writing);
+    void begin_examining(const std::string& path);
+    void begin_reading(int file);
+    void begin_writing(const std::string& path);
     void closed(int file);
     void leave_folder();
     void hold(void* block);
@@ -177,9 +184,9 @@ private:
     Listings listings_;
     std::string output_;
     std::string errors_;
-    std::string file_; // the one that is open
+    std::string file_; // the one that is read or written
     std::unordered_set<void*> blocks_;
-    std::set<int> files_;
+    std::map<int, std::string> files_;
     std::map<DIR*, Listing> folders_;
     std::string slips_;
     std::vector<std::shared_ptr<void>> interceptions_;

@@ -40,7 +40,18 @@ const char* name_of(Scene scene)
     return NAMES[static_cast<std::size_t>(scene)];
 }
 
-World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path())
+World::World(Scene scene)
+    : temp_(folder_in_memory()), before_(fs::current_path()),
+      clock_(clock_gettime_call,
+             [](const auto&, clockid_t, timespec* now) {
+                 *now = {};
+                 return 0;
+             }),
+      usage_(getrusage_call, [scene](const auto&, int, rusage* usage) {
+          *usage = {};
+          usage->ru_inblock = scene == Scene::Share ? static_cast<long>(getrusage_call.made) : 0;
+          return 0;
+      })
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
@@ -67,7 +78,7 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     reset();
     read_files();
     if (scene == Scene::Share) {
-        share_.emplace(fstatfs_call, [](const auto&, int, struct statfs* status) {
+        listings_.emplace(fstatfs_call, [](const auto&, int, struct statfs* status) {
             status->f_type = FUSE_SUPER_MAGIC;
             return 0;
         });

@@ -24,7 +24,8 @@ enum class Scene
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
     NoJson,         // as AllPassed, without --json, beside older JSON
-    Share,          // as OlderPage, on a file system whose listings are not believed
+    Share,          // as OlderPage, on a file system whose listings are not believed, and
+                    // which has to be waited for
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
 inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage,    Scene::OlderPage,
@@ -70,5 +71,7 @@ private:
 
     TempFolder temp_;
     std::filesystem::path before_;
-    std::optional<Interception<int, int, struct statfs*>> share_;
+    Interception<int, clockid_t, timespec*> clock_; // stands still
+    Interception<int, int, rusage*> usage_;         // only a share brings anything in
+    std::optional<Interception<int, int, struct statfs*>> listings_;
 };

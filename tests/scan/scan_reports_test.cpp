@@ -139,16 +139,6 @@ private:
     Interception<dirent*, DIR*> readdir_;
 };
 
-// How many descriptors below limit are in use. Others may have been inherited.
-std::size_t open_descriptors(rlim_t limit = 1024)
-{
-    std::size_t count = 0;
-    for (int descriptor = 0; static_cast<rlim_t>(descriptor) < limit; ++descriptor) {
-        count += fcntl(descriptor, F_GETFD) != -1 ? 1U : 0U;
-    }
-    return count;
-}
-
 // Files whose path may be longer than a system call takes.
 void make_files_in(const std::string& folder, const Paths& names)
 {

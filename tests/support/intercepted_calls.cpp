@@ -32,6 +32,9 @@ INTERCEPT(void*, realloc, (void* block, std::size_t size), block, size)
 INTERCEPT(void, free, (void* block), block)
 INTERCEPT(int, madvise, (void* block, std::size_t size, int advice), block, size, advice)
 INTERCEPT(int, mallopt, (int parameter, int value), parameter, value)
+INTERCEPT(int, fstat, (int file, struct stat* status), file, status)
+INTERCEPT(int, posix_fadvise, (int file, off_t offset, off_t length, int advice), file, offset,
+          length, advice)
 INTERCEPT(off_t, lseek, (int file, off_t offset, int whence), file, offset, whence)
 INTERCEPT(ssize_t, pread, (int file, void* bytes, std::size_t count, off_t offset), file, bytes,
           count, offset)
@@ -46,6 +49,8 @@ INTERCEPT(int, lstat, (const char* path, struct stat* status), path, status)
 INTERCEPT(int, mkdir, (const char* path, mode_t mode), path, mode)
 INTERCEPT(char*, realpath, (const char* path, char* resolved), path, resolved)
 INTERCEPT(std::time_t, time, (std::time_t * now), now)
+INTERCEPT(int, clock_gettime, (clockid_t clock, timespec* now), clock, now)
+INTERCEPT(int, getrusage, (int who, rusage* usage), who, usage)
 INTERCEPT(std::tm*, gmtime_r, (const std::time_t* time, std::tm* parts), time, parts)
 INTERCEPT(std::size_t, strftime,
           (char* text, std::size_t size, const char* format, const std::tm* parts), text, size,
