@@ -1,11 +1,13 @@
 #include "cli/run.h"
 
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "cli/output_paths.h"
+#include "cli/progress_line.h"
 #include "cli/version.h"
 #include "core/append_all.h"
 #include "core/memory.h"
@@ -41,21 +43,31 @@ void reading_free(Reading& reading)
     reading.entries = nullptr;
 }
 
-// False: a message was printed.
-bool list_files(const CommandLine& options, FileList& files)
+// Prints the run's one error message and gives false.
+[[gnu::format(printf, 2, 3)]] bool fail(ProgressLine& progress, const char* format, ...)
 {
-    if (scan_reports(options.input_dir, options.page_path, files)) {
-        return true;
-    }
-    std::fprintf(stderr,
-                 "error: '--input' directory '%s' doesn't exist or isn't a directory (expected a "
-                 "directory of fathomix analyze HTML reports)\n",
-                 options.input_dir);
+    progress_line_erase(progress);
+    va_list values;
+    va_start(values, format);
+    std::vfprintf(stderr, format, values);
+    va_end(values);
     return false;
 }
 
 // False: a message was printed.
-bool read_files(const CommandLine& options, Reading& reading)
+bool list_files(const CommandLine& options, ProgressLine& progress, FileList& files)
+{
+    progress_line_begin(progress, Stage::Listing, 0);
+    const Progress listener = progress_line_listener(progress);
+    return scan_reports(options.input_dir, options.page_path, files, &listener) ||
+           fail(progress,
+                "error: '--input' directory '%s' doesn't exist or isn't a directory (expected a "
+                "directory of fathomix analyze HTML reports)\n",
+                options.input_dir);
+}
+
+// False: a message was printed.
+bool read_files(const CommandLine& options, ProgressLine& progress, Reading& reading)
 {
     const std::uint64_t count = reading.files.count;
     if (count == 0) {
@@ -63,11 +75,12 @@ bool read_files(const CommandLine& options, Reading& reading)
     }
     reading.entries = static_cast<ReportEntry*>(std::malloc(count * sizeof(ReportEntry)));
     if (reading.entries == nullptr) {
-        std::fputs("error: out of memory\n", stderr);
-        return false;
+        return fail(progress, "error: out of memory\n");
     }
     prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
+    progress_line_begin(progress, Stage::Reading, count);
     for (std::uint64_t i = 0; i < count; ++i) {
+        progress_line_advance(progress, i);
         read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
     }
     return true;
@@ -90,29 +103,29 @@ int status_of(const SummaryModel& model)
     return SUCCESS;
 }
 
-bool report_unwritten(const char* path)
+bool fail_to_write(ProgressLine& progress, const char* path)
 {
-    std::fprintf(stderr, "error: failed to write '%s'\n", path);
-    return false;
+    return fail(progress, "error: failed to write '%s'\n", path);
 }
 
 // False: a message was printed.
-bool write_page(const CommandLine& options, const SummaryModel& model)
+bool write_page(const CommandLine& options, ProgressLine& progress, const SummaryModel& model)
 {
     if (!create_page_folders(options.page_path)) {
-        std::fprintf(stderr, "error: could not create the folder for '%s'\n", options.page_path);
-        return false;
+        return fail(progress, "error: could not create the folder for '%s'\n", options.page_path);
     }
-    return write_summary_page(options.page_path, model) || report_unwritten(options.page_path);
+    return write_summary_page(options.page_path, model) ||
+           fail_to_write(progress, options.page_path);
 }
 
 // Leaves the path of the file in json_path, which held no text.
 // False: a message was printed.
-bool write_json(const CommandLine& options, const SummaryModel& model, BoundedText& json_path)
+bool write_json(const CommandLine& options, ProgressLine& progress, const SummaryModel& model,
+                BoundedText& json_path)
 {
     return (append_json_path(json_path, options.page_path) &&
             write_json_summary(json_path.data, model)) ||
-           report_unwritten(json_path.data);
+           fail_to_write(progress, json_path.data);
 }
 
 void print_closing_lines(const CommandLine& options, const SummaryModel& model,
@@ -131,19 +144,21 @@ void print_closing_lines(const CommandLine& options, const SummaryModel& model,
     }
 }
 
-int run_steps(const CommandLine& options, Reading& reading)
+int run_steps(const CommandLine& options, ProgressLine& progress, Reading& reading)
 {
-    if (!list_files(options, reading.files) || !read_files(options, reading)) {
+    if (!list_files(options, progress, reading.files) || !read_files(options, progress, reading)) {
         return FAILURE;
     }
     const SummaryModel model = {options.input_dir, reading.entries, reading.files.count,
                                 VERSION_TEXT};
     char json_bytes[LONG_PATH_BUFFER_SIZE];
     BoundedText json_path = {json_bytes, sizeof json_bytes, 0};
-    if (!write_page(options, model) ||
-        (options.wants_json && !write_json(options, model, json_path))) {
+    progress_line_begin(progress, Stage::Writing, 0);
+    if (!write_page(options, progress, model) ||
+        (options.wants_json && !write_json(options, progress, model, json_path))) {
         return FAILURE;
     }
+    progress_line_erase(progress);
     print_closing_lines(options, model, json_path.data);
     return status_of(model);
 }
@@ -168,7 +183,9 @@ int run_summary(const CommandLine& options)
 {
     Reading reading;
     reading_init(reading);
-    const int status = run_steps(options, reading);
+    ProgressLine progress;
+    progress_line_init(progress);
+    const int status = run_steps(options, progress, reading);
     reading_free(reading);
     return status;
 }
