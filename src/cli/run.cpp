@@ -1,6 +1,5 @@
 #include "cli/run.h"
 
-#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -43,27 +42,20 @@ void reading_free(Reading& reading)
     reading.entries = nullptr;
 }
 
-// Prints the run's one error message and gives false.
-[[gnu::format(printf, 2, 3)]] bool fail(ProgressLine& progress, const char* format, ...)
-{
-    progress_line_erase(progress);
-    va_list values;
-    va_start(values, format);
-    std::vfprintf(stderr, format, values);
-    va_end(values);
-    return false;
-}
-
 // False: a message was printed.
 bool list_files(const CommandLine& options, ProgressLine& progress, FileList& files)
 {
     progress_line_begin(progress, Stage::Listing, 0);
     const Progress listener = progress_line_listener(progress);
-    return scan_reports(options.input_dir, options.page_path, files, &listener) ||
-           fail(progress,
-                "error: '--input' directory '%s' doesn't exist or isn't a directory (expected a "
-                "directory of fathomix analyze HTML reports)\n",
-                options.input_dir);
+    if (scan_reports(options.input_dir, options.page_path, files, &listener)) {
+        return true;
+    }
+    progress_line_erase(progress);
+    std::fprintf(stderr,
+                 "error: '--input' directory '%s' doesn't exist or isn't a directory (expected a "
+                 "directory of fathomix analyze HTML reports)\n",
+                 options.input_dir);
+    return false;
 }
 
 // False: a message was printed.
@@ -75,7 +67,9 @@ bool read_files(const CommandLine& options, ProgressLine& progress, Reading& rea
     }
     reading.entries = static_cast<ReportEntry*>(std::malloc(count * sizeof(ReportEntry)));
     if (reading.entries == nullptr) {
-        return fail(progress, "error: out of memory\n");
+        progress_line_erase(progress);
+        std::fputs("error: out of memory\n", stderr);
+        return false;
     }
     prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
     progress_line_begin(progress, Stage::Reading, count);
@@ -103,19 +97,23 @@ int status_of(const SummaryModel& model)
     return SUCCESS;
 }
 
-bool fail_to_write(ProgressLine& progress, const char* path)
+bool report_unwritten(ProgressLine& progress, const char* path)
 {
-    return fail(progress, "error: failed to write '%s'\n", path);
+    progress_line_erase(progress);
+    std::fprintf(stderr, "error: failed to write '%s'\n", path);
+    return false;
 }
 
 // False: a message was printed.
 bool write_page(const CommandLine& options, ProgressLine& progress, const SummaryModel& model)
 {
     if (!create_page_folders(options.page_path)) {
-        return fail(progress, "error: could not create the folder for '%s'\n", options.page_path);
+        progress_line_erase(progress);
+        std::fprintf(stderr, "error: could not create the folder for '%s'\n", options.page_path);
+        return false;
     }
     return write_summary_page(options.page_path, model) ||
-           fail_to_write(progress, options.page_path);
+           report_unwritten(progress, options.page_path);
 }
 
 // Leaves the path of the file in json_path, which held no text.
@@ -125,7 +123,7 @@ bool write_json(const CommandLine& options, ProgressLine& progress, const Summar
 {
     return (append_json_path(json_path, options.page_path) &&
             write_json_summary(json_path.data, model)) ||
-           fail_to_write(progress, json_path.data);
+           report_unwritten(progress, json_path.data);
 }
 
 void print_closing_lines(const CommandLine& options, const SummaryModel& model,
