@@ -106,15 +106,6 @@ TEST_F(Terminal, ShowsNoLineBeforeEachKindOfEndButErasesIt)
     }
 }
 
-TEST_F(Terminal, ShowsEachStage)
-{
-    const std::string text = shown({"in", "s.html", false});
-    for (const char* line : {"\rlisting: 4 files", "\rreading: 0 of 4 (0 %)",
-                             "\rreading: 3 of 4 (75 %), about ", "\rwriting"}) {
-        EXPECT_NE(text.find(line), std::string::npos) << line << " is not in " << text;
-    }
-}
-
 TEST_F(Terminal, ShowsNothingWhereItsTypeIsNotKnown)
 {
     for (const char* unknown : {"dumb", static_cast<const char*>(nullptr)}) {
@@ -140,14 +131,15 @@ TEST_F(Terminal, ShowsNothingWhereStandardErrorIsClosedOrAPipe)
 TEST_F(Terminal, MayBecomeNarrowerOnTheWay)
 {
     after_draw = [](std::string_view line) {
-        const winsize size = {24, 20, 0, 0};
-        if (line.find("1 of 4 (25 %), about") != std::string_view::npos) {
+        const bool is_first = line.find("1 of 4") != std::string_view::npos;
+        const winsize size = {24, static_cast<unsigned short>(is_first ? 20 : 0), 0, 0};
+        if (is_first || line.find("2 of 4") != std::string_view::npos) {
             ioctl(STDERR_FILENO, TIOCSWINSZ, &size);
         }
     };
     const std::string text = shown({"in", "s.html", false});
-    EXPECT_NE(text.find("\rreading: 1 of 4 (25 %), about 12 s left" + DRAWN_END +
-                        "\rreading: 2 of 4" + DRAWN_END + "\rreading: 3 of 4" + DRAWN_END),
-              std::string::npos)
-        << text;
+    const std::string lines =
+        "\rreading: 1 of 4 (25 %), about 12 s left" + DRAWN_END + "\rreading: 2 of 4" + DRAWN_END +
+        "\rreading: 3 of 4 (75 %), about 3 s left" + DRAWN_END + "\rwriting" + DRAWN_END;
+    EXPECT_NE(text.find(lines), std::string::npos) << text;
 }
