@@ -90,6 +90,14 @@ TEST_F(ProgressLineTest, IsDrawnAtEachStageAndOftenButAtMostTenTimesASecond)
     }
 }
 
+TEST_F(ProgressLineTest, IsNotDrawnWhereTheBeginningIsNotKnown)
+{
+    const CallFault fault(clock_gettime_call, 1, -1, EINVAL);
+    progress_line_init(line);
+    advance(2000, 1);
+    EXPECT_THAT(written, IsEmpty());
+}
+
 TEST_F(ProgressLineTest, StaysOutOfWhatIsTypedWhereItIsInTheBackground)
 {
     foreground = getpgrp() + 1;
