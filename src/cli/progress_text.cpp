@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr std::uint64_t GUESS_AFTER = 1000;   // milliseconds
-constexpr double LONGEST_GUESS = 48.0 * 3600; // seconds
-constexpr double UNITS_UNTIL = 90;            // of one unit before the next longer one is taken
+constexpr std::uint64_t SECOND = 1000; // milliseconds, as all times
+constexpr double LONGEST_GUESS = 48.0 * 3600 * SECOND;
+constexpr std::uint64_t UNITS_UNTIL = 90; // of one unit before the next longer one is taken
 
 // A number with commas between groups of three digits.
 struct Grouped
@@ -44,18 +44,19 @@ void append_if_it_fits(BoundedText& text, const Parts&... parts)
     }
 }
 
-// In the unit that a person would name.
-void append_time_left(BoundedText& text, double seconds)
+// Of so many milliseconds, in the unit that a person would name.
+void append_time_left(BoundedText& text, std::uint64_t time)
 {
-    double time = std::max(seconds, 1.0);
-    const char* unit = " s left";
+    std::uint64_t unit = SECOND;
+    const char* name = " s left";
     for (const char* longer_unit : {" min left", " h left"}) {
-        if (time >= UNITS_UNTIL) {
-            time /= 60;
-            unit = longer_unit;
+        if (time >= UNITS_UNTIL * unit) {
+            unit *= 60;
+            name = longer_unit;
         }
     }
-    append_if_it_fits(text, ", about ", Grouped{static_cast<std::uint64_t>(time + 0.5)}, unit);
+    const std::uint64_t rounded = std::max<std::uint64_t>((time + unit / 2) / unit, 1);
+    append_if_it_fits(text, ", about ", Grouped{rounded}, name);
 }
 
 // Numbers of any size are divided: as doubles, none of them overflows.
@@ -65,11 +66,10 @@ void append_reading(BoundedText& text, const RunPosition& position)
     const double total = static_cast<double>(position.total);
     append_if_it_fits(text, ": ", Grouped{position.done}, " of ", Grouped{position.total});
     append_if_it_fits(text, " (", Grouped{static_cast<std::uint64_t>(done * 100 / total)}, " %)");
-    if (position.done != 0 && position.stage_age >= GUESS_AFTER) {
-        const double seconds = static_cast<double>(position.stage_age) / 1000;
-        const double seconds_left = seconds * (total - done) / done;
-        if (seconds_left <= LONGEST_GUESS) {
-            append_time_left(text, seconds_left);
+    if (position.done != 0 && position.stage_age >= SECOND) {
+        const double left = static_cast<double>(position.stage_age) * (total - done) / done;
+        if (left <= LONGEST_GUESS) {
+            append_time_left(text, static_cast<std::uint64_t>(left));
         }
     }
 }
