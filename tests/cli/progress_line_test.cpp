@@ -90,6 +90,14 @@ TEST_F(ProgressLineTest, IsDrawnAtEachStageAndOftenButAtMostTenTimesASecond)
     }
 }
 
+TEST_F(ProgressLineTest, GuessesTheTimeThatIsLeftByWhatTheStageHasTaken)
+{
+    advance(6000, 0);
+    progress_line_begin(line, Stage::Reading, 100);
+    advance(10'000, 20);
+    EXPECT_EQ(written.back(), drawn("reading: 20 of 100 (20 %), about 16 s left"));
+}
+
 TEST_F(ProgressLineTest, IsNotDrawnWhereTheBeginningIsNotKnown)
 {
     const CallFault fault(clock_gettime_call, 1, -1, EINVAL);

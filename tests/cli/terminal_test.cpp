@@ -146,9 +146,10 @@ TEST_F(Terminal, MayChangeItsWidthOnTheWay)
         }
     };
     const std::string text = shown({"in", "s.html", false});
-    const std::string lines = "\rreading: 1 of 4 (25 %), about 12 s left" + DRAWN_END +
-                              "\rreading: 2 of 4" + DRAWN_END + "\rreading: 3 of 4" + DRAWN_END +
-                              "\rwriting" + DRAWN_END;
-    EXPECT_NE(text.find(lines), std::string::npos) << text;
-    EXPECT_NE(text.find("\rlisting: 4 files" + DRAWN_END), std::string::npos) << text;
+    for (const std::string& lines :
+         {"\rlisting: 4 files" + DRAWN_END, std::string("\rreading: 1 of 4 (25 %), about "),
+          "\rreading: 2 of 4" + DRAWN_END + "\rreading: 3 of 4" + DRAWN_END + "\rwriting" +
+              DRAWN_END}) {
+        EXPECT_NE(text.find(lines), std::string::npos) << text;
+    }
 }
