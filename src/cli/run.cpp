@@ -61,12 +61,13 @@ bool read_files(const CommandLine& options, Reading& reading)
     if (count == 0) {
         return true;
     }
-    reading.entries = static_cast<ReportEntry*>(std::malloc(count * sizeof(ReportEntry)));
+    const std::size_t size = block_size(count, sizeof(ReportEntry));
+    reading.entries = static_cast<ReportEntry*>(std::malloc(size));
     if (reading.entries == nullptr) {
         std::fputs("error: out of memory\n", stderr);
         return false;
     }
-    prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
+    prefer_large_pages(reading.entries, size);
     for (std::uint64_t i = 0; i < count; ++i) {
         read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
     }
