@@ -7,12 +7,7 @@ import path from "node:path";
 import process from "node:process";
 import { Buffer } from "node:buffer";
 import { test } from "node:test";
-import { FIRST, addMakefile, makeProject, packageOf, read, run, writeRecipe } from "./support.js";
-
-function parseYaml(file) {
-  const script = "import json, sys, yaml; print(json.dumps(yaml.load(sys.stdin, yaml.BaseLoader)))";
-  return JSON.parse(run("/usr/bin/python3", ["-c", script], { input: read(file) }).stdout);
-}
+import { FIRST, addMakefile, makeProject, packageOf, parseYaml, read, run, writeRecipe } from "./support.js";
 
 // A program of the machine that a test does without.
 function addStub(folder, name, script) {

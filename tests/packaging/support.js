@@ -67,6 +67,12 @@ export function run(command, args, { status = 0, ...options } = {}) {
   return result;
 }
 
+// A file of YAML; all that is no list and no mapping is a string.
+export function parseYaml(file) {
+  const script = "import json, sys, yaml; print(json.dumps(yaml.load(sys.stdin, yaml.BaseLoader)))";
+  return JSON.parse(run("/usr/bin/python3", ["-c", script], { input: read(file) }).stdout);
+}
+
 // The same with the rights of root: as it is for root, else in a user namespace.
 export function runAsRoot(command, args, options) {
   if (process.getuid() === 0) {
