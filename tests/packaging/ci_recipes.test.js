@@ -7,7 +7,17 @@ import path from "node:path";
 import process from "node:process";
 import { Buffer } from "node:buffer";
 import { test } from "node:test";
-import { FIRST, addMakefile, makeProject, packageOf, parseYaml, read, run, writeRecipe } from "./support.js";
+import {
+  FIRST,
+  addMakefile,
+  imageOf,
+  makeProject,
+  packageOf,
+  parseYaml,
+  read,
+  run,
+  writeRecipe,
+} from "./support.js";
 
 // A program of the machine that a test does without.
 function addStub(folder, name, script) {
@@ -30,6 +40,33 @@ function makeCiProject(t, verdicts) {
     case $argument in ./*) dpkg-deb -x "$argument" "${folder}/machine" || exit ;; esac
 done`,
   );
+  return folder;
+}
+
+// A project whose job runs on a machine that is made as the image's file says: apt-get is
+// a stand-in again, and the files come from the project and from the container image.
+function makeImageProject(t, verdicts) {
+  const folder = makeCiProject(t, verdicts);
+  run("tar", ["-x", "-f", imageOf(FIRST), "--one-top-level=image"], { cwd: folder });
+  fs.copyFileSync(path.join(FIRST, "filters/junit.jq"), `${folder}/junit.jq`);
+  const steps = {
+    FROM: (image) => assert.equal(image, "debian:12"),
+    RUN: (...words) => runLine(folder, words.join(" ")),
+    COPY: (...words) => {
+      const [file, to] = words.slice(-2);
+      const [, image] = words[0].match(/^--from=fthsummary:(.*)$/) ?? [];
+      const unpack = ["unpack", "--rootless", "--image", `${folder}/image:${image}`, `${folder}/unpacked`];
+      const from = image ? `${folder}/unpacked/rootfs` : folder;
+      if (image) {
+        run("umoci", unpack);
+      }
+      fs.cpSync(path.join(from, file), path.join(`${folder}/machine`, to));
+    },
+  };
+  for (const line of read(writeRecipe("Containerfile", folder)).trim().split("\n")) {
+    const [instruction, ...words] = line.split(" ");
+    steps[instruction](...words);
+  }
   return folder;
 }
 
@@ -94,7 +131,7 @@ for (const [verdicts, status] of CASES) {
   });
 
   test(`the GitLab job ${what}; page and JUnit report are kept all the same`, (t) => {
-    const folder = makeCiProject(t, verdicts);
+    const folder = makeImageProject(t, verdicts);
     const { summary } = parseYaml(writeRecipe(".gitlab-ci.yml", folder));
     runLines(folder, summary.script, status);
     summary.after_script.forEach((line) => runLine(folder, line));

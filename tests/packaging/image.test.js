@@ -11,6 +11,7 @@ import {
   EXAMPLES,
   FIRST,
   PROGRAM,
+  SOURCE,
   filesBelow,
   imageOf,
   read,
@@ -61,4 +62,11 @@ test("each of its parts is what its name says, for Docker's reader, too", (t) =>
   const { architecture, rootfs } = JSON.parse(read(layout, config));
   assert.deepEqual(rootfs.diff_ids, [`sha256:${hash(gunzipSync(fs.readFileSync(path.join(layout, layers[0]))))}`]);
   assert.ok(imageOf(FIRST).endsWith(`-image-${architecture}.tar`));
+});
+
+test("the documents name the image as it is named", () => {
+  for (const document of ["README.md", "docs/ci.md"]) {
+    const names = [...read(SOURCE, document).matchAll(/\bfthsummary:([\w.-]+)/g)].map((match) => match[1]);
+    assert.deepEqual([...new Set(names)], [VERSION], document);
+  }
 });
