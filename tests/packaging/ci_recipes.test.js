@@ -43,6 +43,22 @@ done`,
   return folder;
 }
 
+// A project on a machine with the program, as an administrator has installed it.
+function makeInstalledProject(t, verdicts) {
+  const folder = makeCiProject(t, verdicts);
+  run("dpkg-deb", ["-x", `${folder}/ci/fthsummary.deb`, `${folder}/machine`]);
+  return folder;
+}
+
+// The filters are those that the package has brought.
+const onMachine = (folder, text) => text.replaceAll("/usr/share/fthsummary", `${folder}/machine$&`);
+const environment = (folder) => ({ PATH: `${folder}/stubs:${folder}/machine/usr/bin:/usr/bin:/bin` });
+
+function runLine(folder, line, { status = 0, env = {} } = {}) {
+  const all = { ...environment(folder), ...env };
+  return run("sh", ["-e", "-c", onMachine(folder, line)], { cwd: folder, env: all, status });
+}
+
 // A project whose job runs on a machine that is made as the image's file says: apt-get is
 // a stand-in again, and the files come from the project and from the container image.
 function makeImageProject(t, verdicts) {
@@ -68,22 +84,6 @@ function makeImageProject(t, verdicts) {
     steps[instruction](...words);
   }
   return folder;
-}
-
-// The same with the program on the machine, as an administrator has installed it.
-function makeInstalledProject(t, verdicts) {
-  const folder = makeCiProject(t, verdicts);
-  run("dpkg-deb", ["-x", `${folder}/ci/fthsummary.deb`, `${folder}/machine`]);
-  return folder;
-}
-
-// The filters are those that the package has brought.
-const onMachine = (folder, text) => text.replaceAll("/usr/share/fthsummary", `${folder}/machine$&`);
-const environment = (folder) => ({ PATH: `${folder}/stubs:${folder}/machine/usr/bin:/usr/bin:/bin` });
-
-function runLine(folder, line, { status = 0, env = {} } = {}) {
-  const all = { ...environment(folder), ...env };
-  return run("sh", ["-e", "-c", onMachine(folder, line)], { cwd: folder, env: all, status });
 }
 
 const SUM_UP = /^fthsummary /;

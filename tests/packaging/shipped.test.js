@@ -26,6 +26,10 @@ const NEWEST_LIBC = [2, 34];
 const byVersion = ([major, minor], [otherMajor, otherMinor]) => major - otherMajor || minor - otherMinor;
 const versionsIn = (text, pattern) => [...text.matchAll(pattern)].map((match) => match[1].split(".").map(Number));
 
+function imageName(layout) {
+  return `${layout}:${run("umoci", ["ls", "--layout", layout]).stdout.trim()}`;
+}
+
 // Where the program lies after each package is unpacked into the folder; and the build that
 // it is stripped of.
 const PACKAGES = {
@@ -59,10 +63,6 @@ const PACKAGES = {
     },
   ],
 };
-
-function imageName(layout) {
-  return `${layout}:${run("umoci", ["ls", "--layout", layout]).stdout.trim()}`;
-}
 
 // What a program lacks of the usual hardening. Which functions it calls is told by the one
 // that it is stripped of.
