@@ -12,6 +12,9 @@ function call(run, parameters) {
 }
 
 export class Page {
+  /** Whether the mouse was brought into the page. */
+  hasMouse = false;
+
   /** What the page did so far: seen.errors (console and dialogs as well) and seen.requests. */
   constructor(tab, seen, patience) {
     Object.assign(this, { tab, seen, patience });
@@ -141,14 +144,16 @@ export class Page {
   /** Presses a mouse button on an element: { index, button, count, modifiers }. */
   async click(selector, { index = 0, button = "left", count = 1, modifiers = [] } = {}) {
     const [x, y] = await this.#pointIn(selector, index);
+    this.hasMouse = true;
     await this.tab.click(x, y, { button, count, modifiers });
   }
 
   async hover(selector) {
-    await this.tab.moveMouse(...(await this.#pointIn(selector, 0)));
+    await this.moveMouse(...(await this.#pointIn(selector, 0)));
   }
 
   moveMouse(x, y) {
+    this.hasMouse = true;
     return this.tab.moveMouse(x, y);
   }
 

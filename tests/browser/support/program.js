@@ -13,8 +13,11 @@ const PROGRAM = resolve(SOURCE_FOLDER, process.env.FTHSUMMARY ?? "build/checked/
 
 const folders = [];
 process.on("exit", () => {
-  folders.forEach((folder) => rmSync(folder, { recursive: true, force: true }));
+  // A browser that ends now may still write.
+  folders.forEach((folder) => rmSync(folder, { recursive: true, force: true, maxRetries: 9 }));
 });
+// Else none of this happens.
+process.once("SIGTERM", () => process.exit(128 + 15));
 
 /** A new empty folder, removed when the tests of this file have ended. */
 export function newFolder() {
@@ -22,6 +25,10 @@ export function newFolder() {
   folders.push(folder);
   return folder;
 }
+
+/** A page with nothing in it. */
+export const BLANK_PAGE = join(newFolder(), "blank.html");
+writeFileSync(BLANK_PAGE, "<!doctype html>\n");
 
 /**
  * Writes files below a folder and returns the folder. Each is [path, content], both
