@@ -92,8 +92,11 @@ class Tab {
     return result.value;
   }
 
-  resize(size) {
-    return this.page.setViewportSize(size);
+  async resize(size) {
+    const { width, height } = this.page.viewportSize();
+    if (width !== size.width || height !== size.height) {
+      await this.page.setViewportSize(size);
+    }
   }
 
   setMedia(media) {
@@ -142,8 +145,17 @@ export async function launch({ proxy, patience }) {
     proxy: { server: proxy, bypass: "127.0.0.1" },
     timeout: patience,
   });
+  const tabs = [];
   return {
-    newTab: (settings, seen) => Tab.start(browser, settings, seen, patience),
-    close: () => browser.close(),
+    async newTab(settings, seen) {
+      const tab = await Tab.start(browser, settings, seen, patience);
+      tabs.push(tab);
+      return tab;
+    },
+    async close() {
+      // A window without storage is a browser by itself.
+      await Promise.all(tabs.map((tab) => tab.close()));
+      await browser.close();
+    },
   };
 }

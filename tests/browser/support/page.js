@@ -96,14 +96,25 @@ export class Page {
   }
 
   /** Computed values of an element, or of its pseudo-element, by property name. */
-  computed(selector, names, pseudo = null) {
-    return this.$eval(
-      selector,
-      `(element) => {
-        const style = getComputedStyle(element, ${JSON.stringify(pseudo)});
-        const values = ${JSON.stringify(names)}.map((name) => [name, style.getPropertyValue(name)]);
-        return Object.fromEntries(values);
-      }`,
+  async computed(selector, names, pseudo) {
+    const [values] = await this.computedAll([[selector, names]], pseudo);
+    return values;
+  }
+
+  /** The same of several elements in one answer: a list of [selector, names] gives a list. */
+  computedAll(wanted, pseudo = null) {
+    return this.evaluate(
+      (list, part) =>
+        list.map(([selector, names]) => {
+          const element = document.querySelector(selector);
+          if (!element) {
+            throw new Error(`nothing matches ${selector}`);
+          }
+          const style = getComputedStyle(element, part);
+          return Object.fromEntries(names.map((name) => [name, style.getPropertyValue(name)]));
+        }),
+      wanted,
+      pseudo,
     );
   }
 

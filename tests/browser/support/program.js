@@ -12,12 +12,16 @@ export const SOURCE_FOLDER = fileURLToPath(new URL("../../..", import.meta.url))
 const PROGRAM = resolve(SOURCE_FOLDER, process.env.FTHSUMMARY ?? "build/checked/fthsummary");
 
 const folders = [];
-process.on("exit", () => {
-  // A browser that ends now may still write.
-  folders.forEach((folder) => rmSync(folder, { recursive: true, force: true, maxRetries: 9 }));
+function removeFolders() {
+  folders.forEach((folder) => rmSync(folder, { recursive: true, force: true }));
+}
+process.on("exit", removeFolders);
+process.once("SIGTERM", () => {
+  // After the browsers, which are ended at exit, too, and write into them.
+  process.removeListener("exit", removeFolders);
+  process.on("exit", removeFolders);
+  process.exit(128 + 15);
 });
-// Else none of this happens.
-process.once("SIGTERM", () => process.exit(128 + 15));
 
 /** A new empty folder, removed when the tests of this file have ended. */
 export function newFolder() {
