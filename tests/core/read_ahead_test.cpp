@@ -150,7 +150,8 @@ TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
     blocks_a_file = 1;
     read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 2 ? 1 : 0; });
     for (std::size_t i = 2; i < FILES; ++i) {
-        const std::size_t first_ahead = std::max(i, READ_AHEAD_FILES + 1) - READ_AHEAD_FILES;
+        const std::uint64_t first_ahead =
+            std::max<std::uint64_t>(i, READ_AHEAD_FILES + 1) - READ_AHEAD_FILES;
         const bool quick = i >= 2 * READ_AHEAD_LOOK_EVERY + READ_AHEAD_FILES + 1;
         EXPECT_THAT(opened[names[i]], ElementsAre(quick ? i : first_ahead)) << i;
     }

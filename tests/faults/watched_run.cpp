@@ -7,6 +7,8 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -47,8 +49,8 @@ int fail_half_way(char* text, std::size_t size, int length)
 
 } // namespace
 
-WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records)
-    : page_(std::move(page)), with_json_(with_json), faults_(std::move(faults)), records_(records)
+WatchedRun::WatchedRun(const World& world, std::vector<Fault> faults, bool records)
+    : world_(world), faults_(std::move(faults)), records_(records)
 {
 }
 
@@ -61,6 +63,7 @@ int WatchedRun::watch(const std::function<int()>& program)
     intercept_paths();
     intercept_texts();
     intercept_time();
+    intercept_terminal();
     const int result = program();
     while (!interceptions_.empty()) {
         interceptions_.pop_back();
@@ -84,6 +87,7 @@ std::string WatchedRun::slips() const
     add(blocks_.size(), "blocks");
     add(files_.size(), "files");
     add(folders_.size(), "folders");
+    add(line_stands_ ? 1 : 0, "line of the terminal");
     return text;
 }
 
@@ -180,6 +184,11 @@ void WatchedRun::intercept_transfers()
                              [&](std::size_t some) { return next(file, bytes, some, offset); });
     });
     intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
+        if (file == STDERR_FILENO) {
+            line_stands_ = !std::string_view(static_cast<const char*>(bytes), count).ends_with('J');
+            return transfer_some(ask(Call::Draw, ""), count,
+                                 [](std::size_t some) { return static_cast<ssize_t>(some); });
+        }
         return transfer_some(ask(Call::Write, file_), count,
                              [&](std::size_t some) { return next(file, bytes, some); });
     });
@@ -257,6 +266,7 @@ void WatchedRun::intercept_texts()
     });
     intercept(print_call, [this](const auto&, std::FILE* stream, std::string_view text) {
         (stream == stderr ? errors_ : output_) += text;
+        slips_ += line_stands_ ? "printed beside the line of the terminal\n" : "";
         return refuses(Call::Print, ENOSPC) ? std::size_t{0} : text.size();
     });
 }
@@ -266,10 +276,27 @@ void WatchedRun::intercept_time()
     intercept(time_call, [this](const auto&, std::time_t*) {
         return refuses(Call::Time, EFAULT) ? std::time_t{-1} : WATCHED_TIME;
     });
-    intercept_refusing(clock_gettime_call, Call::Clock, -1, EINVAL);
     intercept_refusing(getrusage_call, Call::Usage, -1, EINVAL);
     intercept_refusing(gmtime_r_call, Call::Gmtime, nullptr, EOVERFLOW);
     intercept_refusing(strftime_call, Call::Strftime, 0, ERANGE);
+}
+
+void WatchedRun::intercept_terminal()
+{
+    intercept(isatty_call, [this](const auto&, int) {
+        return !refuses(Call::Isatty, ENOTTY) && world_.has_terminal ? 1 : 0;
+    });
+    intercept(tcgetpgrp_call, [this](const auto&, int) {
+        return refuses(Call::Tcgetpgrp, ENOTTY) ? -1 : getpgrp();
+    });
+    intercept(ioctl_call, [this](const auto&, int, unsigned long, void* size) {
+        *static_cast<winsize*>(size) = {24, 30, 0, 0};
+        return refuses(Call::Ioctl, ENOTTY) ? -1 : 0;
+    });
+    intercept(clock_gettime_call, [this](const auto&, clockid_t, timespec* now) {
+        *now = {world_.has_terminal ? static_cast<std::time_t>(2 * count(Call::Clock) + 1) : 0, 0};
+        return refuses(Call::Clock, EINVAL) ? -1 : 0;
+    });
 }
 
 std::optional<Answer> WatchedRun::ask(Call call, std::string_view subject, std::uint64_t number)
@@ -328,7 +355,7 @@ void WatchedRun::begin_reading(int file)
 void WatchedRun::begin_writing(const std::string& path)
 {
     file_ = path;
-    phase_ = path == page_ ? Phase::PageFile : Phase::JsonFile;
+    phase_ = path == world_.page ? Phase::PageFile : Phase::JsonFile;
 }
 
 void WatchedRun::closed(int file)
@@ -338,7 +365,7 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        phase_ = with_json_ ? Phase::Json : Phase::Closing;
+        phase_ = world_.wants_json ? Phase::Json : Phase::Closing;
     } else if (phase_ == Phase::JsonFile) {
         phase_ = Phase::Closing;
     }
@@ -368,10 +395,11 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",    "realloc",  "open",     "fstat",   "posix_fadvise", "lseek",   "pread",
-        "write",     "close",    "opendir",  "readdir", "closedir",      "fstatfs", "stat",
-        "lstat",     "mkdir",    "realpath", "format",  "print",         "time",    "clock_gettime",
-        "getrusage", "gmtime_r", "strftime", "madvise", "mallopt"};
+        "malloc",  "realloc", "open",      "fstat",    "posix_fadvise", "lseek",
+        "pread",   "write",   "close",     "opendir",  "readdir",       "closedir",
+        "fstatfs", "stat",    "lstat",     "mkdir",    "realpath",      "format",
+        "print",   "time",    "getrusage", "gmtime_r", "strftime",      "madvise",
+        "mallopt", "isatty",  "tcgetpgrp", "ioctl",    "clock_gettime", "draw"};
     return NAMES[index_of(call)];
 }
 

@@ -34,20 +34,15 @@ std::string errored()
 
 const char* name_of(Scene scene)
 {
-    static constexpr std::array<const char*, 7> NAMES = {
+    static constexpr std::array<const char*, 8> NAMES = {
         "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed",
-        "NoJson",      "Share",     "ManyReports"};
+        "NoJson",      "Share",     "Terminal",       "ManyReports"};
     return NAMES[static_cast<std::size_t>(scene)];
 }
 
 World::World(Scene scene)
-    : temp_(folder_in_memory()), before_(fs::current_path()),
-      clock_(clock_gettime_call,
-             [](const auto&, clockid_t, timespec* now) {
-                 *now = {};
-                 return 0;
-             }),
-      usage_(getrusage_call, [scene](const auto&, int, rusage* usage) {
+    : has_terminal(scene == Scene::Terminal), temp_(folder_in_memory()),
+      before_(fs::current_path()), usage_(getrusage_call, [scene](const auto&, int, rusage* usage) {
           *usage = {};
           usage->ru_inblock = scene == Scene::Share ? static_cast<long>(getrusage_call.made) : 0;
           return 0;
@@ -69,7 +64,7 @@ World::World(Scene scene)
     json = page.substr(0, page.size() - 5) + ".json";
     if (scene == Scene::ManyReports) {
         add_many();
-    } else if (scene == Scene::AllPassed || scene == Scene::NoJson) {
+    } else if (scene == Scene::AllPassed || scene == Scene::NoJson || scene == Scene::Terminal) {
         add_few();
     } else {
         add_tree(scene == Scene::NoOlderPage ? PAGED : 8);
