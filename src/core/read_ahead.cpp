@@ -15,22 +15,12 @@
 namespace {
 
 constexpr int NONE = -1;
-constexpr std::int64_t NANOSECONDS = 1'000'000'000; // of a second
 
-std::int64_t nanoseconds(const timeval& time)
-{
-    return time.tv_sec * NANOSECONDS + time.tv_usec * 1000;
-}
-
-Standing standing_now()
+// What the process has had brought in so far.
+std::int64_t blocks_so_far()
 {
     rusage usage = {};
-    timespec now = {};
-    if (getrusage(RUSAGE_SELF, &usage) != 0 || clock_gettime(CLOCK_MONOTONIC, &now) != 0) {
-        return {0, 0};
-    }
-    const std::int64_t passed = now.tv_sec * NANOSECONDS + now.tv_nsec;
-    return {usage.ru_inblock, passed - nanoseconds(usage.ru_utime) - nanoseconds(usage.ru_stime)};
+    return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_inblock : 0;
 }
 
 // Finds out from time to time whether the files read since the last look were waited for.
@@ -39,11 +29,9 @@ void look(ReadAhead& ahead)
     if (ahead.next != ahead.next_look) {
         return;
     }
-    const std::int64_t files = ahead.next_look > 1 ? READ_AHEAD_LOOK_EVERY : 1;
-    const Standing now = standing_now();
-    ahead.waits = now.blocks > ahead.standing.blocks ||
-                  now.idle - ahead.standing.idle > files * READ_AHEAD_SLOW;
-    ahead.standing = now;
+    const std::int64_t blocks = blocks_so_far();
+    ahead.waits = blocks > ahead.blocks;
+    ahead.blocks = blocks;
     ahead.next_look += READ_AHEAD_LOOK_EVERY;
 }
 
@@ -162,7 +150,7 @@ void read_ahead_init(ReadAhead& ahead, const char* folder, const char* const* pa
     }
     ahead.bytes = 0;
     ahead.next_look = 1;
-    ahead.standing = standing_now();
+    ahead.blocks = blocks_so_far();
     ahead.waits = false;
 }
 

@@ -7,10 +7,10 @@
 //
 // Whether the run waits is looked at every so many files, not at each, and no file is
 // opened ahead before it does: a run whose files are in memory makes a call more for some
-// dozens of files, and nothing else. It waits when what it read had to be brought in from
-// a disk (the system counts that), or when most of its time passed without computing: a
-// share asks nothing of a disk here. Time alone would not do. A disk answers sooner than
-// a debugger that watches each call lets a run go on.
+// dozens of files, and nothing else. It waits when what it read had to be brought in: the
+// system counts that for each process. Time would not do instead. A disk answers sooner
+// than a busy machine, or a debugger that watches each call, lets a run go on. A file
+// system that counts nothing here (one made with FUSE) is read without any of this.
 //
 // All of it is a hint, and changes nothing but time:
 //   - Only plain files are opened ahead, as read_whole_file would open them later.
@@ -36,9 +36,6 @@ inline constexpr std::uint64_t READ_AHEAD_BYTES = std::uint64_t{16} << 20U;
 // Files between two looks at whether the run waits. The first comes after one file.
 inline constexpr std::uint64_t READ_AHEAD_LOOK_EVERY = 64;
 
-// A run that passes more time than this without computing, in nanoseconds a file, waits.
-inline constexpr std::int64_t READ_AHEAD_SLOW = 500'000;
-
 // A file that was opened ahead, and what it was then.
 struct FileAhead
 {
@@ -47,13 +44,6 @@ struct FileAhead
     ino_t number;
     timespec changed;
     std::uint64_t bytes; // on their way
-};
-
-// What a process has done since its start.
-struct Standing
-{
-    std::int64_t blocks; // that were brought in from disks
-    std::int64_t idle;   // nanoseconds that passed without computing, from any beginning
 };
 
 struct ReadAhead
@@ -66,7 +56,7 @@ struct ReadAhead
     FileAhead files[READ_AHEAD_FILES]; // file i is at i % READ_AHEAD_FILES
     std::uint64_t bytes;               // on their way
     std::uint64_t next_look;           // with this file
-    Standing standing;                 // at the last look
+    std::int64_t blocks;               // brought in until the last look
     bool waits;                        // as the last look found
 };
 

@@ -24,7 +24,6 @@ using ::testing::ElementsAre;
 namespace {
 
 constexpr std::size_t FILES = 200;
-constexpr std::int64_t SECOND = 1'000'000'000;
 const std::string UNREADABLE = "(unreadable)";
 
 std::string name_of(std::size_t index)
@@ -42,14 +41,6 @@ protected:
                  [this](const auto&, int, rusage* usage) {
                      *usage = {};
                      usage->ru_inblock = static_cast<long>(read.size() * blocks_a_file);
-                     usage->ru_utime.tv_sec = static_cast<time_t>(read.size() * computed_a_file);
-                     return 0;
-                 }),
-          clock_(clock_gettime_call,
-                 [this](const auto&, clockid_t, timespec* now) {
-                     const std::int64_t passed =
-                         static_cast<std::int64_t>(read.size()) * passed_a_file;
-                     *now = {passed / SECOND, passed % SECOND};
                      return 0;
                  }),
           open_(open_call,
@@ -113,8 +104,6 @@ protected:
     TempFolder temp;
     std::vector<std::string> names;
     std::size_t blocks_a_file = 0;
-    std::size_t computed_a_file = 0;                        // seconds
-    std::int64_t passed_a_file = 0;                         // nanoseconds
     std::vector<std::string> read;                          // contents so far
     std::map<std::string, std::vector<std::size_t>> opened; // when: files read until then
     std::vector<off_t> asked;
@@ -123,7 +112,6 @@ protected:
 
 private:
     Interception<int, int, rusage*> usage_;
-    Interception<int, clockid_t, timespec*> clock_;
     Interception<int, const char*, int, mode_t> open_;
     Interception<int, int, off_t, off_t, int> advise_;
 };
@@ -134,8 +122,6 @@ using ReadAheadFile = Reading;
 
 TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 {
-    computed_a_file = 1;
-    passed_a_file = SECOND + READ_AHEAD_SLOW;
     const std::uint64_t calls = stat_call.made + fstat_call.made;
     const std::uint64_t looks = getrusage_call.made;
     read_files();
@@ -158,14 +144,6 @@ TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
     EXPECT_EQ(most, READ_AHEAD_FILES + 1);
     EXPECT_EQ(asked.size(), ahead());
     EXPECT_THAT(std::vector(asked.begin(), asked.begin() + 1), ElementsAre(names[2].size()));
-}
-
-TEST_F(ReadAheadFile, OpensAheadWhereTheTimePassesWithoutComputing)
-{
-    computed_a_file = 1;
-    passed_a_file = SECOND + READ_AHEAD_SLOW + 1;
-    read_files();
-    EXPECT_EQ(ahead(), FILES - 2);
 }
 
 // What it held, what it is, whether it may be read, and where its path leads.
@@ -199,6 +177,27 @@ TEST_F(ReadAheadFile, GivesWhatAFileThatChangesMeanwhileHoldsInItsTurn)
                 {80, "two"}},
                change);
     EXPECT_THAT(opened[names[75]], ElementsAre(43, 75)) << "its rights may have gone";
+}
+
+TEST_F(ReadAheadFile, GivesWhatItsPathLeadsToWhereTheTimesTellNothing)
+{
+    blocks_a_file = 1;
+    const Interception by_path(stat_call, [](const auto& next, const char* path, auto* status) {
+        const int result = next(path, status);
+        status->st_ctim = {};
+        return result;
+    });
+    const Interception opened_file(fstat_call, [](const auto& next, int file, auto* status) {
+        const int result = next(file, status);
+        status->st_ctim = {};
+        return result;
+    });
+    read_files({{70, "new"}}, [&](std::size_t index) {
+        if (index == 50) {
+            temp.write("new", "new");
+            fs::rename(temp.path("new"), temp.path(names[70]));
+        }
+    });
 }
 
 TEST_F(ReadAheadFile, OpensNothingAheadThatIsNoPlainFile)
