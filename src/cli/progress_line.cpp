@@ -59,8 +59,7 @@ std::uint64_t terminal_columns()
     return is_told ? size.ws_col : USUAL_COLUMNS;
 }
 
-// Not through the stream, which the messages use: what it could not write, it would
-// remember. Text that the terminal does not take is lost.
+// In one call, so that nobody sees half a line. What the terminal does not take is lost.
 void write_to_terminal(std::string_view text)
 {
     while (!text.empty()) {
