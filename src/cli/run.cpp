@@ -65,13 +65,14 @@ bool read_files(const CommandLine& options, ProgressLine& progress, Reading& rea
     if (count == 0) {
         return true;
     }
-    reading.entries = static_cast<ReportEntry*>(std::malloc(count * sizeof(ReportEntry)));
+    const std::size_t size = block_size(count, sizeof(ReportEntry));
+    reading.entries = static_cast<ReportEntry*>(std::malloc(size));
     if (reading.entries == nullptr) {
         progress_line_erase(progress);
         std::fputs("error: out of memory\n", stderr);
         return false;
     }
-    prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
+    prefer_large_pages(reading.entries, size);
     progress_line_begin(progress, Stage::Reading, count);
     for (std::uint64_t i = 0; i < count; ++i) {
         progress_line_advance(progress, i);
