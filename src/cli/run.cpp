@@ -74,10 +74,13 @@ bool read_files(const CommandLine& options, ProgressLine& progress, Reading& rea
     }
     prefer_large_pages(reading.entries, size);
     progress_line_begin(progress, Stage::Reading, count);
+    ReadAhead ahead;
+    read_ahead_init(ahead, options.input_dir, reading.files.paths, count);
     for (std::uint64_t i = 0; i < count; ++i) {
         progress_line_advance(progress, i);
-        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
+        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i], &ahead);
     }
+    read_ahead_free(ahead);
     return true;
 }
 
@@ -164,12 +167,13 @@ int run_steps(const CommandLine& options, ProgressLine& progress, Reading& readi
 
 } // namespace
 
-void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry)
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry,
+                ReadAhead* ahead)
 {
     char bytes[LONG_PATH_BUFFER_SIZE];
     BoundedText path = {bytes, sizeof bytes, 0};
     if (append_all(path, input_dir, "/", relative_path)) {
-        read_analyze_report(path.data, relative_path, entry);
+        read_analyze_report(path.data, relative_path, entry, ahead);
         return;
     }
     // Unreachable in a run, whose walk keeps paths far shorter.

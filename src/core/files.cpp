@@ -12,6 +12,8 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "the size of a large file would not be known");
 
+constexpr int READ_FLAGS = O_RDONLY | O_NOCTTY | O_CLOEXEC;
+
 constexpr mode_t FOLDER_MODE = 0755;
 constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umask
 
@@ -50,18 +52,24 @@ bool write_fully(int file, const char* bytes, std::size_t length)
     return true;
 }
 
-int open_without_waiting(const char* path)
+} // namespace
+
+int try_open_to_read(const char* path)
 {
     // O_NONBLOCK: opening a FIFO must not wait for a writer. O_NOCTTY: a terminal must
     // not become ours.
-    const int flags = O_RDONLY | O_NOCTTY | O_CLOEXEC;
-    const int file = open(path, flags | O_NONBLOCK);
+    return open(path, READ_FLAGS | O_NONBLOCK);
+}
+
+int open_to_read(const char* path)
+{
+    const int file = try_open_to_read(path);
     if (file >= 0 || errno != EWOULDBLOCK) {
         return file;
     }
     // Only a file on which another program holds a lease (a file server does) heeds
     // the flag. The system gives that program a limited time to let go.
-    return open(path, flags);
+    return open(path, READ_FLAGS);
 }
 
 bool read_open_file(int file, char*& contents)
@@ -86,11 +94,9 @@ bool read_open_file(int file, char*& contents)
     return true;
 }
 
-} // namespace
-
 bool read_whole_file(const char* path, char*& contents)
 {
-    const int file = open_without_waiting(path);
+    const int file = open_to_read(path);
     if (file < 0) {
         return false;
     }

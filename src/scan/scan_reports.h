@@ -9,8 +9,9 @@
 // Hidden entries count like any other.
 //
 // Entries that cannot be examined (a dangling link) or whose path grows too long and
-// folders that cannot be opened are skipped; that fails nothing. A plain file of a folder
-// in which another entry could be examined is listed without a question of its own.
+// folders that cannot be opened are skipped; that fails nothing. Where listings can be
+// believed (listing_types.h), a plain file of a folder in which another entry could be
+// examined is listed without a question of its own.
 
 #pragma once
 

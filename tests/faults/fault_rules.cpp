@@ -33,6 +33,8 @@ constexpr Rule RULES[] = {
     {Call::Readdir, Answer::Refuse, Phase::Walk, Effect::EndsFolder},
     {Call::Closedir, Answer::Refuse, Phase::Start, Effect::Nothing},
     {Call::Closedir, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Fstatfs, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Lstat, Answer::Refuse, Phase::Walk, Effect::Nothing},
     {Call::Stat, Answer::Refuse, Phase::Walk, Effect::HidesEntry},
     {Call::Realpath, Answer::Refuse, Phase::Start, Effect::ForgetsPage},
     {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},
@@ -45,6 +47,16 @@ constexpr Rule RULES[] = {
     {Call::Pread, Answer::Short, Phase::Reading, Effect::Nothing},
     {Call::Pread, Answer::Nothing, Phase::Reading, Effect::Unreadable},
     {Call::Close, Answer::Refuse, Phase::Reading, Effect::Nothing},
+
+    // Reading ahead.
+    {Call::Usage, Answer::Refuse, Phase::Reading, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::WouldBlock, Phase::Ahead, Effect::Nothing},
+    {Call::Fstat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Fadvise, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Close, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Reading, Effect::Nothing},
 
     // Folders. One that cannot be examined is made, and one that is there counts as made.
     {Call::Stat, Answer::Refuse, Phase::Folders, Effect::Nothing},

@@ -147,34 +147,42 @@ void WatchedRun::intercept_memory()
 void WatchedRun::intercept_files()
 {
     intercept(open_call, [this](const auto& next, const char* path, int flags, mode_t mode) {
-        opened(path, (flags & O_ACCMODE) != O_RDONLY);
+        if ((flags & O_ACCMODE) != O_RDONLY) {
+            begin_writing(path);
+        }
         if (const std::optional<Answer> answer = ask(Call::Open, path)) {
             errno = *answer == Answer::WouldBlock ? EWOULDBLOCK : EMFILE;
             return -1;
         }
         const int file = next(path, flags, mode);
         if (file >= 0) {
-            files_.insert(file);
+            files_[file] = path;
         }
         return file;
     });
     intercept(close_call, [this](const auto& next, int file) {
-        const bool refused = refuses(Call::Close, EIO, file_);
+        const bool refused = refuses(Call::Close, EIO, files_[file]);
         closed(file);
         const int result = next(file);
         return refused ? -1 : result;
     });
-    intercept_refusing(lseek_call, Call::Lseek, -1, EIO);
+    intercept(fstat_call, [this](const auto& next, int file, struct stat* status) {
+        return refuses(Call::Fstat, EIO, files_[file]) ? -1 : next(file, status);
+    });
+    intercept_refusing(posix_fadvise_call, Call::Fadvise, ESPIPE, EINVAL);
+    intercept(lseek_call, [this](const auto& next, int file, off_t offset, int whence) {
+        begin_reading(file);
+        return refuses(Call::Lseek, EIO, file_) ? -1 : next(file, offset, whence);
+    });
 }
 
 void WatchedRun::intercept_transfers()
 {
-    intercept(pread_call,
-              [this](const auto& next, int file, void* bytes, std::size_t count, off_t offset) {
-                  return transfer_some(ask(Call::Pread, file_), count, [&](std::size_t some) {
-                      return next(file, bytes, some, offset);
-                  });
-              });
+    intercept(pread_call, [this](const auto& next, int file, void* bytes, std::size_t count,
+                                 off_t offset) {
+        return transfer_some(ask(Call::Pread, files_[file]), count,
+                             [&](std::size_t some) { return next(file, bytes, some, offset); });
+    });
     intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
         if (file == STDERR_FILENO) {
             line_stands_ = !std::string_view(static_cast<const char*>(bytes), count).ends_with('J');
@@ -226,12 +234,15 @@ void WatchedRun::intercept_folders()
 
 void WatchedRun::intercept_paths()
 {
+    intercept_refusing(fstatfs_call, Call::Fstatfs, -1, ENOSYS);
     intercept(stat_call, [this](const auto& next, const char* path, struct stat* status) {
-        begin_folders();
+        begin_examining(path);
         return refuses(Call::Stat, EACCES, path) ? -1 : next(path, status);
     });
+    intercept(lstat_call, [this](const auto& next, const char* path, struct stat* status) {
+        return refuses(Call::Lstat, EACCES, path) ? -1 : next(path, status);
+    });
     intercept(mkdir_call, [this](const auto& next, const char* path, mode_t mode) {
-        begin_folders();
         if (const std::optional<Answer> answer = ask(Call::Mkdir, path)) {
             errno = *answer == Answer::Exists ? EEXIST : EACCES;
             return -1;
@@ -265,6 +276,7 @@ void WatchedRun::intercept_time()
     intercept(time_call, [this](const auto&, std::time_t*) {
         return refuses(Call::Time, EFAULT) ? std::time_t{-1} : WATCHED_TIME;
     });
+    intercept_refusing(getrusage_call, Call::Usage, -1, EINVAL);
     intercept_refusing(gmtime_r_call, Call::Gmtime, nullptr, EOVERFLOW);
     intercept_refusing(strftime_call, Call::Strftime, 0, ERANGE);
 }
@@ -282,7 +294,7 @@ void WatchedRun::intercept_terminal()
         return refuses(Call::Ioctl, ENOTTY) ? -1 : 0;
     });
     intercept(clock_gettime_call, [this](const auto&, clockid_t, timespec* now) {
-        *now = {static_cast<std::time_t>(2 * count(Call::Clock) + 1), 0};
+        *now = {world_.has_terminal ? static_cast<std::time_t>(2 * count(Call::Clock) + 1) : 0, 0};
         return refuses(Call::Clock, EINVAL) ? -1 : 0;
     });
 }
@@ -322,19 +334,28 @@ void WatchedRun::begin_assembling()
     }
 }
 
-void WatchedRun::begin_folders()
+// Of the files that are read, only those are examined that are opened ahead: before that,
+// and once more when their turn comes. Everything else is a folder above the page.
+void WatchedRun::begin_examining(const std::string& path)
 {
-    if (phase_ == Phase::Entries || phase_ == Phase::Reading) {
-        phase_ = Phase::Folders;
+    if (phase_ != Phase::Entries && phase_ != Phase::Reading && phase_ != Phase::Ahead) {
+        return;
     }
+    const bool is_open = std::any_of(files_.begin(), files_.end(),
+                                     [&](const auto& open) { return open.second == path; });
+    phase_ = !path.ends_with("html") ? Phase::Folders : is_open ? Phase::Reading : Phase::Ahead;
 }
 
-void WatchedRun::opened(const char* path, bool for_writing)
+void WatchedRun::begin_reading(int file)
+{
+    file_ = files_[file];
+    phase_ = Phase::Reading;
+}
+
+void WatchedRun::begin_writing(const std::string& path)
 {
     file_ = path;
-    if (for_writing) {
-        phase_ = file_ == world_.page ? Phase::PageFile : Phase::JsonFile;
-    }
+    phase_ = path == world_.page ? Phase::PageFile : Phase::JsonFile;
 }
 
 void WatchedRun::closed(int file)
@@ -374,10 +395,11 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",    "realloc", "open",          "lseek",    "pread",   "write",    "close",
-        "opendir",   "readdir", "closedir",      "stat",     "mkdir",   "realpath", "format",
-        "print",     "time",    "gmtime_r",      "strftime", "madvise", "mallopt",  "isatty",
-        "tcgetpgrp", "ioctl",   "clock_gettime", "draw"};
+        "malloc",  "realloc", "open",      "fstat",    "posix_fadvise", "lseek",
+        "pread",   "write",   "close",     "opendir",  "readdir",       "closedir",
+        "fstatfs", "stat",    "lstat",     "mkdir",    "realpath",      "format",
+        "print",   "time",    "getrusage", "gmtime_r", "strftime",      "madvise",
+        "mallopt", "isatty",  "tcgetpgrp", "ioctl",    "clock_gettime", "draw"};
     return NAMES[index_of(call)];
 }
 
@@ -390,8 +412,8 @@ const char* name_of(Answer answer)
 
 const char* name_of(Phase phase)
 {
-    static constexpr std::array<const char*, 10> NAMES = {
-        "Start", "Walk",     "Entries", "Reading",  "Folders",
+    static constexpr std::array<const char*, 11> NAMES = {
+        "Start", "Walk",     "Entries", "Reading",  "Ahead",  "Folders",
         "Page",  "PageFile", "Json",    "JsonFile", "Closing"};
     return NAMES[static_cast<std::size_t>(phase)];
 }

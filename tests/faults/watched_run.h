@@ -24,6 +24,8 @@ enum class Call
     Malloc,
     Realloc,
     Open,
+    Fstat,
+    Fadvise,
     Lseek,
     Pread,
     Write,
@@ -31,12 +33,15 @@ enum class Call
     Opendir,
     Readdir,
     Closedir,
+    Fstatfs,
     Stat,
+    Lstat,
     Mkdir,
     Realpath,
     Format,
     Print,
     Time,
+    Usage,
     Gmtime,
     Strftime,
     Madvise,
@@ -47,7 +52,7 @@ enum class Call
     Clock,
     Draw, // write, on the terminal
 };
-inline constexpr std::size_t CALL_COUNT = 25;
+inline constexpr std::size_t CALL_COUNT = 30;
 
 // What a failing call says.
 enum class Answer
@@ -67,6 +72,7 @@ enum class Phase
     Walk,     // lists the files
     Entries,  // has listed them
     Reading,  // reads one file after another
+    Ahead,    // meanwhile opens another one ahead
     Folders,  // makes the folders above the page
     Page,     // assembles the page
     PageFile, // writes it
@@ -166,7 +172,9 @@ private:
 
     void begin_assembling();
     void begin_folders();
-    void opened(const char* path, bool for_writing);
+    void begin_examining(const std::string& path);
+    void begin_reading(int file);
+    void begin_writing(const std::string& path);
     void closed(int file);
     void leave_folder();
     void hold(void* block);
@@ -183,9 +191,9 @@ private:
     std::string output_;
     std::string errors_;
     bool line_stands_ = false; // on the terminal, not erased yet, nor tried to be
-    std::string file_;         // the one that is open
+    std::string file_;         // the one that is read or written
     std::unordered_set<void*> blocks_;
-    std::set<int> files_;
+    std::map<int, std::string> files_;
     std::map<DIR*, Listing> folders_;
     std::string slips_;
     std::vector<std::shared_ptr<void>> interceptions_;

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "report/report_entry.h"
+#include "support/intercepted_calls.h"
 #include "support/temp_folder.h"
 
 enum class Scene
@@ -23,12 +24,14 @@ enum class Scene
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
     NoJson,         // as AllPassed, without --json, beside older JSON
+    Share,          // as OlderPage, on a file system whose listings are not believed, and
+                    // which has to be waited for
     Terminal,       // as AllPassed, with a terminal for standard error
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
-inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage,    Scene::OlderPage,
-                                         Scene::MissingFolders, Scene::AllPassed,
-                                         Scene::NoJson,         Scene::Terminal};
+inline constexpr Scene SMALL_SCENES[] = {
+    Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders, Scene::AllPassed,
+    Scene::NoJson,      Scene::Share,     Scene::Terminal};
 const char* name_of(Scene scene);
 
 inline constexpr char INPUT[] = "in";
@@ -70,4 +73,6 @@ private:
 
     TempFolder temp_;
     std::filesystem::path before_;
+    Interception<int, int, rusage*> usage_; // only a share brings anything in
+    std::optional<Interception<int, int, struct statfs*>> listings_;
 };

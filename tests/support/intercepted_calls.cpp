@@ -41,6 +41,10 @@ INTERCEPT(void*, realloc, (void* block, std::size_t size), block, size)
 INTERCEPT(void, free, (void* block), block)
 INTERCEPT(int, madvise, (void* block, std::size_t size, int advice), block, size, advice)
 INTERCEPT(int, mallopt, (int parameter, int value), parameter, value)
+INTERCEPT_AS(WIDE(fstat, __fstat64_time64), int, fstat, (int file, struct stat* status), file,
+             status)
+INTERCEPT_AS(WIDE(posix_fadvise, posix_fadvise64), int, posix_fadvise,
+             (int file, off_t offset, off_t length, int advice), file, offset, length, advice)
 INTERCEPT_AS(WIDE(lseek, lseek64), off_t, lseek, (int file, off_t offset, int whence), file, offset,
              whence)
 INTERCEPT_AS(WIDE(pread, pread64), ssize_t, pread,
@@ -50,11 +54,16 @@ INTERCEPT(int, close, (int file), file)
 INTERCEPT(DIR*, opendir, (const char* path), path)
 INTERCEPT_AS(WIDE(readdir, readdir64), dirent*, readdir, (DIR * listing), listing)
 INTERCEPT(int, closedir, (DIR * listing), listing)
+INTERCEPT_AS(WIDE(fstatfs, fstatfs64), int, fstatfs, (int file, struct statfs* status), file,
+             status)
 INTERCEPT_AS(WIDE(stat, __stat64_time64), int, stat, (const char* path, struct stat* status), path,
              status)
+INTERCEPT_AS(WIDE(lstat, __lstat64_time64), int, lstat, (const char* path, struct stat* status),
+             path, status)
 INTERCEPT(int, mkdir, (const char* path, mode_t mode), path, mode)
 INTERCEPT(char*, realpath, (const char* path, char* resolved), path, resolved)
 INTERCEPT_AS(WIDE(time, __time64), std::time_t, time, (std::time_t * now), now)
+INTERCEPT_AS(WIDE(getrusage, __getrusage64), int, getrusage, (int who, rusage* usage), who, usage)
 INTERCEPT_AS(WIDE(gmtime_r, __gmtime64_r), std::tm*, gmtime_r,
              (const std::time_t* time, std::tm* parts), time, parts)
 INTERCEPT(std::size_t, strftime,
