@@ -60,10 +60,16 @@ INTERCEPT_AS(WIDE(gmtime_r, __gmtime64_r), std::tm*, gmtime_r,
 INTERCEPT(std::size_t, strftime,
           (char* text, std::size_t size, const char* format, const std::tm* parts), text, size,
           format, parts)
+INTERCEPT_AS(WIDE(clock_gettime, __clock_gettime64), int, clock_gettime,
+             (clockid_t clock, timespec* now), clock, now)
+INTERCEPT(int, isatty, (int file), file)
+INTERCEPT(pid_t, tcgetpgrp, (int file), file)
 
 // The rest are variadic or go by several names: which one the compiler takes depends on
 // what it optimises and checks.
 extern "C" int __real_open(const char* path, int flags, ...) __asm__("__real_" WIDE(open, open64));
+extern "C" int __real_ioctl(int file, unsigned long request,
+                            ...) __asm__("__real_" WIDE(ioctl, __ioctl_time64));
 extern "C" int __real_vsnprintf(char* text, std::size_t size, const char* format, va_list values);
 extern "C" std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count,
                                      FILE* stream);
@@ -75,6 +81,11 @@ int open_file(const char* path, int flags, mode_t mode)
     return __real_open(path, flags, mode);
 }
 
+int control_device(int file, unsigned long request, void* argument)
+{
+    return __real_ioctl(file, request, argument);
+}
+
 std::size_t print_text(FILE* stream, std::string_view text)
 {
     return __real_fwrite(text.data(), 1, text.size(), stream);
@@ -83,6 +94,7 @@ std::size_t print_text(FILE* stream, std::string_view text)
 } // namespace
 
 InterceptedCall<int(const char*, int, mode_t)> open_call = {open_file, nullptr, 0};
+InterceptedCall<int(int, unsigned long, void*)> ioctl_call = {control_device, nullptr, 0};
 InterceptedCall<int(char*, std::size_t, const char*, va_list)> format_call = {__real_vsnprintf,
                                                                               nullptr, 0};
 InterceptedCall<std::size_t(std::FILE*, std::string_view)> print_call = {print_text, nullptr, 0};
@@ -146,6 +158,8 @@ STAND_IN(int, fputs, (const char* text, FILE* stream), print(stream, text) ? 0 :
 STAND_IN_VARIADIC_AS(WIDE(open, open64), open, (const char* path, int flags, ...), flags,
                      open_call.make(path, flags,
                                     (flags & O_CREAT) != 0 ? va_arg(values, mode_t) : 0))
+STAND_IN_VARIADIC_AS(WIDE(ioctl, __ioctl_time64), ioctl, (int file, unsigned long request, ...),
+                     request, ioctl_call.make(file, request, va_arg(values, void*)))
 STAND_IN_VARIADIC(snprintf, (char* text, std::size_t size, const char* format, ...), format,
                   format_call.make(text, size, format, values))
 STAND_IN_VARIADIC(__snprintf_chk,
