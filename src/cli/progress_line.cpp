@@ -89,7 +89,7 @@ void draw(ProgressLine& line, std::uint64_t done)
     BoundedText drawn = {drawn_bytes, sizeof drawn_bytes, 0};
     static_cast<void>(append_all(drawn, "\r", text.data, ERASE_REST, "\r")); // has room
     line.is_drawn = true;
-    write_to_terminal({drawn.data, drawn.length});
+    write_to_terminal(drawn.data);
 }
 
 } // namespace
