@@ -10,6 +10,8 @@
 
 namespace {
 
+static_assert(sizeof(off_t) == 8, "the size of a large file would not be known");
+
 constexpr mode_t FOLDER_MODE = 0755;
 constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umask
 
@@ -35,7 +37,7 @@ bool read_fully(int file, char* bytes, std::size_t length)
     return true;
 }
 
-bool write_fully(int file, const char* bytes, std::uint64_t length)
+bool write_fully(int file, const char* bytes, std::size_t length)
 {
     while (length > 0) {
         const ssize_t count = write(file, bytes, length);
@@ -43,7 +45,7 @@ bool write_fully(int file, const char* bytes, std::uint64_t length)
             return false;
         }
         bytes += count;
-        length -= static_cast<std::uint64_t>(count);
+        length -= static_cast<std::size_t>(count);
     }
     return true;
 }
@@ -103,7 +105,8 @@ bool write_whole_file(const char* path, const char* bytes, std::uint64_t length)
     if (file < 0) {
         return false;
     }
-    const bool complete = write_fully(file, bytes, length);
+    // What lies in memory is never longer than a size_t can tell.
+    const bool complete = write_fully(file, bytes, static_cast<std::size_t>(length));
     close(file);
     return complete;
 }

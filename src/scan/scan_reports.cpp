@@ -165,7 +165,8 @@ bool is_listable(const char* folder)
 
 } // namespace
 
-bool scan_reports(const char* input_dir, const char* page_path, FileList& list)
+bool scan_reports(const char* input_dir, const char* page_path, FileList& list,
+                  const Progress* progress)
 {
     if (!is_listable(input_dir)) {
         return false;
@@ -173,11 +174,11 @@ bool scan_reports(const char* input_dir, const char* page_path, FileList& list)
     char canonical_page[PATH_BUFFER_SIZE];
     const bool page_exists =
         page_path != nullptr && resolve_path(page_path, canonical_page, sizeof canonical_page);
-    return scan_directory(input_dir, "", page_exists ? canonical_page : nullptr, list);
+    return scan_directory(input_dir, "", page_exists ? canonical_page : nullptr, list, progress);
 }
 
 bool scan_directory(const char* folder, const char* prefix, const char* canonical_page,
-                    FileList& list)
+                    FileList& list, const Progress* progress)
 {
     Walk walk;
     walk.full = {walk.full_bytes, sizeof walk.full_bytes, 0};
@@ -201,6 +202,7 @@ bool scan_directory(const char* folder, const char* prefix, const char* canonica
             leave(walk);
         } else {
             has_memory = visit(walk, *entry);
+            tell_progress(progress, list.count);
         }
     }
     return has_memory;

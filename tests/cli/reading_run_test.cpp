@@ -94,14 +94,6 @@ TEST_F(ReadingRun, OneFileDecidesTheStatusAloneAndBesidePassedReports)
     }
 }
 
-TEST_F(ReadingRun, OneErroredReportAndOtherwisePassedReportsGiveStatusOne)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/b.html", errored_report("no &lt;input&gt;"));
-    expect_complete(1, {.passed = 1, .errored = 1});
-    EXPECT_TRUE(std::ranges::count(files(), ListedFile{"b.html", "ERROR", "no <input>"}));
-}
-
 TEST_F(ReadingRun, OneUnreadableFileAndOtherwisePassedReportsShowNoFailureButGiveStatusOne)
 {
     temp.write("in/a.html", passed_report());
@@ -173,14 +165,6 @@ TEST_F(ReadingRun, AnInputThatIsAFileIsReportedAndNothingIsWritten)
     expect_input_message("file.html/");
 }
 
-TEST_F(ReadingRun, AnInputThatIsADanglingLinkOrAFifoIsReported)
-{
-    temp.link("nowhere", "link");
-    temp.make_fifo("fifo");
-    expect_input_message("link");
-    expect_input_message("fifo");
-}
-
 TEST_F(ReadingRun, AMissingInputIsReportedBeforeAnythingThatIsWrongWithThePage)
 {
     temp.write("file", "");
@@ -197,17 +181,6 @@ TEST_F(ReadingRun, AnInputThatMayNotBeReadIsReported)
     expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html"}), 1, "",
                input_message("in"));
     EXPECT_FALSE(temp.exists("s.html"));
-}
-
-TEST_F(ReadingRun, AnInputThatMayNotBeSearchedIsAnEmptyOne)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/sub/b.html", passed_report());
-    temp.chmod("in", 0444);
-    temp.chmod("", 0777);
-    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"}), 0,
-               wrote_with_json("s.html", "s.json", {}), "");
-    EXPECT_EQ(files(), Files{});
 }
 
 TEST_F(ReadingRun, TheInputIsShownByteForByteInTheMessage)
@@ -227,20 +200,4 @@ TEST_F(ReadingRun, TheInputIsUsedAndShownAsTyped)
                    wrote_with_json("s.html", "s.json", {.passed = 1}), "");
         EXPECT_NE(temp.read("s.json").find(": \"" + input + "\",\n"), std::string::npos) << input;
     }
-}
-
-TEST_F(ReadingRun, TheJsonListsTheReportsInTheOrderOfTheListing)
-{
-    for (int i = 0; i < 40; ++i) {
-        temp.write("in/r" + std::to_string(i * 7 % 40) + ".html", passed_report());
-    }
-    Files listing;
-    for (const fs::directory_entry& entry : fs::directory_iterator(temp.path("in"))) {
-        listing.push_back({entry.path().filename().string(), "PASS", ""});
-    }
-    if (std::ranges::is_sorted(listing, {}, &ListedFile::path)) {
-        GTEST_SKIP() << "this file system lists every folder in the order of its names";
-    }
-    expect_complete(0, {.passed = 40});
-    EXPECT_EQ(files(), listing);
 }

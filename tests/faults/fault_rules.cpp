@@ -1,5 +1,8 @@
 // Which failure comes to what, by what the run is about.
 
+#include <algorithm>
+#include <iterator>
+
 #include "faults/forecast.h"
 
 namespace {
@@ -69,12 +72,19 @@ constexpr Rule RULES[] = {
     {Call::Close, Answer::Refuse, Phase::JsonFile, Effect::Nothing},
 };
 
+// Whatever is printed or drawn, and at any time: what cannot be shown is lost, and that is
+// all.
+constexpr FaultKind SHOWING[] = {{Call::Print, Answer::Refuse},     {Call::Isatty, Answer::Refuse},
+                                 {Call::Tcgetpgrp, Answer::Refuse}, {Call::Ioctl, Answer::Refuse},
+                                 {Call::Clock, Answer::Refuse},     {Call::Draw, Answer::Refuse},
+                                 {Call::Draw, Answer::Short},       {Call::Draw, Answer::Nothing}};
+
 } // namespace
 
 const std::vector<FaultKind>& fault_kinds()
 {
     static const std::vector<FaultKind> KINDS = [] {
-        std::set<FaultKind> kinds = {{Call::Print, Answer::Refuse}};
+        std::set<FaultKind> kinds(std::begin(SHOWING), std::end(SHOWING));
         for (const Rule& rule : RULES) {
             kinds.emplace(rule.call, rule.answer);
         }
@@ -83,10 +93,9 @@ const std::vector<FaultKind>& fault_kinds()
     return KINDS;
 }
 
-// Whatever is printed, and at any time: what cannot be printed is lost, and that is all.
 std::optional<Effect> effect_of(const CallRecord& failed)
 {
-    if (failed.call == Call::Print) {
+    if (std::ranges::count(SHOWING, FaultKind(failed.call, failed.answer)) > 0) {
         return Effect::Nothing;
     }
     for (const Rule& rule : RULES) {

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -47,8 +49,8 @@ int fail_half_way(char* text, std::size_t size, int length)
 
 } // namespace
 
-WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records)
-    : page_(std::move(page)), with_json_(with_json), faults_(std::move(faults)), records_(records)
+WatchedRun::WatchedRun(const World& world, std::vector<Fault> faults, bool records)
+    : world_(world), faults_(std::move(faults)), records_(records)
 {
 }
 
@@ -61,6 +63,7 @@ int WatchedRun::watch(const std::function<int()>& program)
     intercept_paths();
     intercept_texts();
     intercept_time();
+    intercept_terminal();
     const int result = program();
     while (!interceptions_.empty()) {
         interceptions_.pop_back();
@@ -84,6 +87,7 @@ std::string WatchedRun::slips() const
     add(blocks_.size(), "blocks");
     add(files_.size(), "files");
     add(folders_.size(), "folders");
+    add(line_stands_ ? 1 : 0, "line of the terminal");
     return text;
 }
 
@@ -172,6 +176,11 @@ void WatchedRun::intercept_transfers()
                   });
               });
     intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
+        if (file == STDERR_FILENO) {
+            line_stands_ = !std::string_view(static_cast<const char*>(bytes), count).ends_with('J');
+            return transfer_some(ask(Call::Draw, ""), count,
+                                 [](std::size_t some) { return static_cast<ssize_t>(some); });
+        }
         return transfer_some(ask(Call::Write, file_), count,
                              [&](std::size_t some) { return next(file, bytes, some); });
     });
@@ -246,6 +255,7 @@ void WatchedRun::intercept_texts()
     });
     intercept(print_call, [this](const auto&, std::FILE* stream, std::string_view text) {
         (stream == stderr ? errors_ : output_) += text;
+        slips_ += line_stands_ ? "printed beside the line of the terminal\n" : "";
         return refuses(Call::Print, ENOSPC) ? std::size_t{0} : text.size();
     });
 }
@@ -257,6 +267,24 @@ void WatchedRun::intercept_time()
     });
     intercept_refusing(gmtime_r_call, Call::Gmtime, nullptr, EOVERFLOW);
     intercept_refusing(strftime_call, Call::Strftime, 0, ERANGE);
+}
+
+void WatchedRun::intercept_terminal()
+{
+    intercept(isatty_call, [this](const auto&, int) {
+        return !refuses(Call::Isatty, ENOTTY) && world_.has_terminal ? 1 : 0;
+    });
+    intercept(tcgetpgrp_call, [this](const auto&, int) {
+        return refuses(Call::Tcgetpgrp, ENOTTY) ? -1 : getpgrp();
+    });
+    intercept(ioctl_call, [this](const auto&, int, unsigned long, void* size) {
+        *static_cast<winsize*>(size) = {24, 30, 0, 0};
+        return refuses(Call::Ioctl, ENOTTY) ? -1 : 0;
+    });
+    intercept(clock_gettime_call, [this](const auto&, clockid_t, timespec* now) {
+        *now = {static_cast<std::time_t>(2 * count(Call::Clock) + 1), 0};
+        return refuses(Call::Clock, EINVAL) ? -1 : 0;
+    });
 }
 
 std::optional<Answer> WatchedRun::ask(Call call, std::string_view subject, std::uint64_t number)
@@ -305,7 +333,7 @@ void WatchedRun::opened(const char* path, bool for_writing)
 {
     file_ = path;
     if (for_writing) {
-        phase_ = file_ == page_ ? Phase::PageFile : Phase::JsonFile;
+        phase_ = file_ == world_.page ? Phase::PageFile : Phase::JsonFile;
     }
 }
 
@@ -316,7 +344,7 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        phase_ = with_json_ ? Phase::Json : Phase::Closing;
+        phase_ = world_.wants_json ? Phase::Json : Phase::Closing;
     } else if (phase_ == Phase::JsonFile) {
         phase_ = Phase::Closing;
     }
@@ -346,9 +374,10 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",  "realloc", "open",     "lseek",    "pread",   "write",    "close",
-        "opendir", "readdir", "closedir", "stat",     "mkdir",   "realpath", "format",
-        "print",   "time",    "gmtime_r", "strftime", "madvise", "mallopt"};
+        "malloc",    "realloc", "open",          "lseek",    "pread",   "write",    "close",
+        "opendir",   "readdir", "closedir",      "stat",     "mkdir",   "realpath", "format",
+        "print",     "time",    "gmtime_r",      "strftime", "madvise", "mallopt",  "isatty",
+        "tcgetpgrp", "ioctl",   "clock_gettime", "draw"};
     return NAMES[index_of(call)];
 }
 

@@ -32,12 +32,14 @@ std::string errored()
 
 const char* name_of(Scene scene)
 {
-    static constexpr std::array<const char*, 6> NAMES = {
-        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed", "NoJson", "ManyReports"};
+    static constexpr std::array<const char*, 7> NAMES = {
+        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed",
+        "NoJson",      "Terminal",  "ManyReports"};
     return NAMES[static_cast<std::size_t>(scene)];
 }
 
-World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path())
+World::World(Scene scene)
+    : has_terminal(scene == Scene::Terminal), temp_(folder_in_memory()), before_(fs::current_path())
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
@@ -55,7 +57,7 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     json = page.substr(0, page.size() - 5) + ".json";
     if (scene == Scene::ManyReports) {
         add_many();
-    } else if (scene == Scene::AllPassed || scene == Scene::NoJson) {
+    } else if (scene == Scene::AllPassed || scene == Scene::NoJson || scene == Scene::Terminal) {
         add_few();
     } else {
         add_tree(scene == Scene::NoOlderPage ? PAGED : 8);

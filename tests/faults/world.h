@@ -23,10 +23,12 @@ enum class Scene
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
     NoJson,         // as AllPassed, without --json, beside older JSON
+    Terminal,       // as AllPassed, with a terminal for standard error
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
-inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage, Scene::OlderPage,
-                                         Scene::MissingFolders, Scene::AllPassed, Scene::NoJson};
+inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage,    Scene::OlderPage,
+                                         Scene::MissingFolders, Scene::AllPassed,
+                                         Scene::NoJson,         Scene::Terminal};
 const char* name_of(Scene scene);
 
 inline constexpr char INPUT[] = "in";
@@ -44,6 +46,7 @@ public:
 
     std::string page; // as typed
     bool wants_json = true;
+    bool has_terminal = false;
     std::string json;                         // where it is, or would be
     std::map<std::string, ReportEntry> files; // as they are read; by their path below INPUT
     std::set<std::string> empty_files;        // those of files that hold no bytes

@@ -67,6 +67,11 @@ test("man finds and shows the installed page", (t) => {
   assert.match(shown, /SECURITY CONSIDERATIONS/);
 });
 
+test("groff has nothing to say about the man page in an ordinary terminal", () => {
+  const env = { MANPAGER: "cat", MANWIDTH: "80" };
+  assert.equal(run("man", ["--warnings", "--local-file", PAGE], { env }).stderr, "");
+});
+
 test("the rendered page shows the quoted characters", () => {
   assert.match(rendered(), /holds ‘\\’, ‘#’,\s+‘\?’, a tab/);
 });

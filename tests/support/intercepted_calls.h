@@ -71,6 +71,12 @@ extern InterceptedCall<std::time_t(std::time_t*)> time_call;
 extern InterceptedCall<std::tm*(const std::time_t*, std::tm*)> gmtime_r_call;
 extern InterceptedCall<std::size_t(char*, std::size_t, const char*, const std::tm*)> strftime_call;
 
+// Terminals, and the clock that only goes forward.
+extern InterceptedCall<int(int)> isatty_call;
+extern InterceptedCall<pid_t(int)> tcgetpgrp_call;
+extern InterceptedCall<int(int, unsigned long, void*)> ioctl_call;
+extern InterceptedCall<int(clockid_t, timespec*)> clock_gettime_call;
+
 // The name by which the linker knows the call that is being made: "__snprintf_chk", say.
 const char* called_name();
 
