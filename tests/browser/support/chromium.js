@@ -117,8 +117,10 @@ class Tab {
     }
   }
 
-  press(keys) {
-    return this.page.keyboard.press(keys.join("+"));
+  async press(keys, times) {
+    for (let count = 0; count < times; count += 1) {
+      await this.page.keyboard.press(keys.join("+"));
+    }
   }
 
   screenshot() {
