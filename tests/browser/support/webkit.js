@@ -134,7 +134,8 @@ class Session {
       return session;
     } catch (error) {
       session.end();
-      throw error;
+      const isLate = error.name === "TimeoutError";
+      throw isLate ? new Error(`no answer within ${START_LIMIT_MS / 1000} s`, { cause: error }) : error;
     }
   }
 
