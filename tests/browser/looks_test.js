@@ -6,7 +6,6 @@ import { lookAt, test, withPage } from "./support/browser.js";
 import { pageOf, pageWith } from "./support/program.js";
 import { analyzed, errored, suite } from "./support/reports.js";
 
-
 const LONG_FOLDER = `${"unbroken".repeat(25)}/${"a rather long folder name ".repeat(8)}`.trim();
 const CHECKS = Array.from({ length: 16 }, (_, index) => `Quantisation noise in band number ${index}`);
 const LONG_NAMES = [
@@ -24,6 +23,7 @@ const PAGES = [
   ["paged", pageOf(suite({ errors: 101, failed: 101, passed: 101 }))],
   ["long names", pageOf(LONG_NAMES)],
 ];
+PAGES.push(["errored, in a browser without units of a container", pageWith(PAGES[3][1], "100cqi", "100unknown")]);
 const WIDTHS = [240, 280, 320, 390, 480, 525, 545, 600, 685, 700, 720, 721, 739, 740, 760, 782, 783, 900, 960, 1280, 2560];
 
 for (const [name, path] of PAGES) {
