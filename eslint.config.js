@@ -41,7 +41,7 @@ const BROWSER_TESTS = {
   languageOptions: {
     globals: Object.fromEntries(
       [
-        ...["Buffer", "URL", "clearTimeout", "console", "fetch", "performance", "process", "setTimeout"],
+        ...["AbortSignal", "Buffer", "URL", "clearTimeout", "console", "fetch", "performance", "process", "setTimeout"],
         ...["document", "getComputedStyle", "localStorage", "location", "matchMedia", "window"],
         ...["MutationObserver", "Node", "NodeFilter", "requestAnimationFrame"],
         ...["CSSMediaRule", "CSSStyleRule"],

@@ -1,8 +1,9 @@
-# Where the program and its papers are installed, and the Debian package.
+# Where the program and its papers are installed, and the packages.
 #
-# Three components: `program` goes everywhere, `local` only where cmake --install
-# puts it, `debian` only into the package, whose man page and changelog are
-# compressed and whose completions for zsh have a folder of their own.
+# `program` goes everywhere. Of the other components, cmake --install puts `local` and
+# `papers` in place; the RPM has `papers` and `packed`, and the Debian package has `packed`
+# and `debian`, for there the changelog is compressed, too, and completions for zsh have a
+# folder of their own.
 
 include(GNUInstallDirs)
 
@@ -26,13 +27,13 @@ install(PROGRAMS docs/content-policy DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
 
 install(FILES man/fthsummary.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT local)
 install(FILES completions/_fthsummary DESTINATION "${data}/zsh/site-functions"
-        COMPONENT local)
+        COMPONENT papers)
 install(FILES CHANGELOG.md LICENCE-TO-BE-CHOSEN DESTINATION "${CMAKE_INSTALL_DOCDIR}"
-        COMPONENT local)
+        COMPONENT papers)
 
 find_program(GZIP gzip)
 if(NOT GZIP)
-  message(STATUS "No gzip: the Debian package cannot be made")
+  message(STATUS "No gzip: the packages cannot be made")
   return()
 endif()
 
@@ -53,7 +54,7 @@ packed(changelog "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
 add_custom_target(debian_files ALL DEPENDS "${debian}/fthsummary.1.gz" "${debian}/changelog.gz")
 
 install(FILES "${debian}/fthsummary.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
-        COMPONENT debian EXCLUDE_FROM_ALL)
+        COMPONENT packed EXCLUDE_FROM_ALL)
 install(FILES "${debian}/changelog.gz" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
         COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES LICENCE-TO-BE-CHOSEN RENAME copyright DESTINATION "${CMAKE_INSTALL_DOCDIR}"
@@ -61,7 +62,13 @@ install(FILES LICENCE-TO-BE-CHOSEN RENAME copyright DESTINATION "${CMAKE_INSTALL
 install(FILES completions/_fthsummary DESTINATION "${data}/zsh/vendor-completions"
         COMPONENT debian EXCLUDE_FROM_ALL)
 
-set(CPACK_GENERATOR DEB)
+set(CPACK_GENERATOR DEB RPM)
+set(description "\
+fthsummary reads the Fathomix analyze reports below a directory and writes
+one self-contained HTML page that says which passed, failed or ended in an
+error. On request it writes the same as JSON, and its exit status tells a
+script whether anything went wrong.")
+set(promise "It needs no configuration, no network and no other program.")
 set(CPACK_PACKAGE_VENDOR "fthsummary")
 set(CPACK_PACKAGE_CONTACT "${FTHSUMMARY_MAINTAINER}")
 # A "-" would start a Debian revision; "~" sorts before the release itself.
@@ -69,8 +76,8 @@ string(REPLACE "-" "~" CPACK_PACKAGE_VERSION "${FTHSUMMARY_VERSION_TEXT}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL program debian)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_RPM_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
@@ -78,20 +85,47 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_NAME fthsummary)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Debian's tool reads what the program needs from the libraries of this machine; for another
+# one it is what a test allows at most.
+if(CMAKE_CROSSCOMPILING)
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.34)")
+else()
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion, jq, python3-jsonschema")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "\
-fthsummary reads the Fathomix analyze reports below a directory and writes
-one self-contained HTML page that says which passed, failed or ended in an
-error. On request it writes the same as JSON, and its exit status tells a
-script whether anything went wrong.
-.
-It needs no configuration, no network and no other program.")
-# Every time in the package is the date of the release in the changelog.
-set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_BINARY_DIR}/cpack_date.cmake")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${description}\n.\n${promise}")
+
+set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
+set(CPACK_RPM_PACKAGE_NAME fthsummary)
+set(CPACK_RPM_PACKAGE_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_RPM_PACKAGE_DESCRIPTION "${description}\n\n${promise}")
+set(CPACK_RPM_PACKAGE_LICENSE "To be chosen")
+set(CPACK_RPM_PACKAGE_GROUP "Applications/Text")
+set(CPACK_RPM_PACKAGE_AUTOREQ ON)
+set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
+    /usr/share/man /usr/share/man/man1 /usr/share/zsh /usr/share/zsh/site-functions
+    /usr/share/fish /usr/share/fish/vendor_completions.d
+    /usr/share/bash-completion /usr/share/bash-completion/completions)
+# Neither the builder's name nor the time of the build is in it.
+set(CPACK_RPM_SPEC_MORE_DEFINE "\
+%define packager ${FTHSUMMARY_MAINTAINER}
+%define _buildhost localhost
+%define use_source_date_epoch_as_buildtime 1
+%define clamp_mtime_to_source_date_epoch 1
+%define _build_id_links none")
+
+# Every time in a package is the date of the release in the changelog.
+set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_BINARY_DIR}/cpack_settings.cmake")
 execute_process(
   COMMAND "${PROJECT_SOURCE_DIR}/tools/lib/debian-changelog" --epoch "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
   OUTPUT_VARIABLE epoch OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "set(ENV{SOURCE_DATE_EPOCH} ${epoch})\n")
+file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "\
+set(ENV{SOURCE_DATE_EPOCH} ${epoch})
+if(CPACK_GENERATOR STREQUAL RPM)
+  set(CPACK_COMPONENTS_ALL program papers packed)
+else()
+  set(CPACK_COMPONENTS_ALL program packed debian)
+endif()
+")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CHANGELOG.md)
 include(CPack)

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "cli/output_paths.h"
+#include "cli/progress_line.h"
 #include "cli/version.h"
 #include "core/append_all.h"
 #include "core/memory.h"
@@ -42,11 +43,14 @@ void reading_free(Reading& reading)
 }
 
 // False: a message was printed.
-bool list_files(const CommandLine& options, FileList& files)
+bool list_files(const CommandLine& options, ProgressLine& progress, FileList& files)
 {
-    if (scan_reports(options.input_dir, options.page_path, files)) {
+    progress_line_begin(progress, Stage::Listing, 0);
+    const Progress listener = progress_line_listener(progress);
+    if (scan_reports(options.input_dir, options.page_path, files, &listener)) {
         return true;
     }
+    progress_line_erase(progress);
     std::fprintf(stderr,
                  "error: '--input' directory '%s' doesn't exist or isn't a directory (expected a "
                  "directory of fathomix analyze HTML reports)\n",
@@ -55,21 +59,28 @@ bool list_files(const CommandLine& options, FileList& files)
 }
 
 // False: a message was printed.
-bool read_files(const CommandLine& options, Reading& reading)
+bool read_files(const CommandLine& options, ProgressLine& progress, Reading& reading)
 {
     const std::uint64_t count = reading.files.count;
     if (count == 0) {
         return true;
     }
-    reading.entries = static_cast<ReportEntry*>(std::malloc(count * sizeof(ReportEntry)));
+    const std::size_t size = block_size(count, sizeof(ReportEntry));
+    reading.entries = static_cast<ReportEntry*>(std::malloc(size));
     if (reading.entries == nullptr) {
+        progress_line_erase(progress);
         std::fputs("error: out of memory\n", stderr);
         return false;
     }
-    prefer_large_pages(reading.entries, count * sizeof(ReportEntry));
+    prefer_large_pages(reading.entries, size);
+    progress_line_begin(progress, Stage::Reading, count);
+    ReadAhead ahead;
+    read_ahead_init(ahead, options.input_dir, reading.files.paths, count);
     for (std::uint64_t i = 0; i < count; ++i) {
-        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i]);
+        progress_line_advance(progress, i);
+        read_entry(options.input_dir, reading.files.paths[i], reading.entries[i], &ahead);
     }
+    read_ahead_free(ahead);
     return true;
 }
 
@@ -90,29 +101,33 @@ int status_of(const SummaryModel& model)
     return SUCCESS;
 }
 
-bool report_unwritten(const char* path)
+bool report_unwritten(ProgressLine& progress, const char* path)
 {
+    progress_line_erase(progress);
     std::fprintf(stderr, "error: failed to write '%s'\n", path);
     return false;
 }
 
 // False: a message was printed.
-bool write_page(const CommandLine& options, const SummaryModel& model)
+bool write_page(const CommandLine& options, ProgressLine& progress, const SummaryModel& model)
 {
     if (!create_page_folders(options.page_path)) {
+        progress_line_erase(progress);
         std::fprintf(stderr, "error: could not create the folder for '%s'\n", options.page_path);
         return false;
     }
-    return write_summary_page(options.page_path, model) || report_unwritten(options.page_path);
+    return write_summary_page(options.page_path, model) ||
+           report_unwritten(progress, options.page_path);
 }
 
 // Leaves the path of the file in json_path, which held no text.
 // False: a message was printed.
-bool write_json(const CommandLine& options, const SummaryModel& model, BoundedText& json_path)
+bool write_json(const CommandLine& options, ProgressLine& progress, const SummaryModel& model,
+                BoundedText& json_path)
 {
     return (append_json_path(json_path, options.page_path) &&
             write_json_summary(json_path.data, model)) ||
-           report_unwritten(json_path.data);
+           report_unwritten(progress, json_path.data);
 }
 
 void print_closing_lines(const CommandLine& options, const SummaryModel& model,
@@ -131,31 +146,34 @@ void print_closing_lines(const CommandLine& options, const SummaryModel& model,
     }
 }
 
-int run_steps(const CommandLine& options, Reading& reading)
+int run_steps(const CommandLine& options, ProgressLine& progress, Reading& reading)
 {
-    if (!list_files(options, reading.files) || !read_files(options, reading)) {
+    if (!list_files(options, progress, reading.files) || !read_files(options, progress, reading)) {
         return FAILURE;
     }
     const SummaryModel model = {options.input_dir, reading.entries, reading.files.count,
                                 VERSION_TEXT};
     char json_bytes[LONG_PATH_BUFFER_SIZE];
     BoundedText json_path = {json_bytes, sizeof json_bytes, 0};
-    if (!write_page(options, model) ||
-        (options.wants_json && !write_json(options, model, json_path))) {
+    progress_line_begin(progress, Stage::Writing, 0);
+    if (!write_page(options, progress, model) ||
+        (options.wants_json && !write_json(options, progress, model, json_path))) {
         return FAILURE;
     }
+    progress_line_erase(progress);
     print_closing_lines(options, model, json_path.data);
     return status_of(model);
 }
 
 } // namespace
 
-void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry)
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry,
+                ReadAhead* ahead)
 {
     char bytes[LONG_PATH_BUFFER_SIZE];
     BoundedText path = {bytes, sizeof bytes, 0};
     if (append_all(path, input_dir, "/", relative_path)) {
-        read_analyze_report(path.data, relative_path, entry);
+        read_analyze_report(path.data, relative_path, entry, ahead);
         return;
     }
     // Unreachable in a run, whose walk keeps paths far shorter.
@@ -168,7 +186,9 @@ int run_summary(const CommandLine& options)
 {
     Reading reading;
     reading_init(reading);
-    const int status = run_steps(options, reading);
+    ProgressLine progress;
+    progress_line_init(progress);
+    const int status = run_steps(options, progress, reading);
     reading_free(reading);
     return status;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cli/command_line.h"
+#include "core/read_ahead.h"
 #include "report/report_entry.h"
 
 // Does the whole job and prints its closing lines or its one error message.
@@ -11,5 +12,7 @@
 [[nodiscard]] int run_summary(const CommandLine& options);
 
 // Reads the file at input_dir, "/" and relative_path into entry. A path that takes more
-// than LONG_PATH_BUFFER_SIZE bytes with its NUL leaves an entry of kind Unreadable.
-void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry);
+// than LONG_PATH_BUFFER_SIZE bytes with its NUL leaves an entry of kind Unreadable. Ahead
+// is as read_analyze_report takes it.
+void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry,
+                ReadAhead* ahead = nullptr);

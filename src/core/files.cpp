@@ -10,6 +10,10 @@
 
 namespace {
 
+static_assert(sizeof(off_t) == 8, "the size of a large file would not be known");
+
+constexpr int READ_FLAGS = O_RDONLY | O_NOCTTY | O_CLOEXEC;
+
 constexpr mode_t FOLDER_MODE = 0755;
 constexpr mode_t FILE_MODE = 0666; // what fopen gives a new file, less the umask
 
@@ -35,7 +39,7 @@ bool read_fully(int file, char* bytes, std::size_t length)
     return true;
 }
 
-bool write_fully(int file, const char* bytes, std::uint64_t length)
+bool write_fully(int file, const char* bytes, std::size_t length)
 {
     while (length > 0) {
         const ssize_t count = write(file, bytes, length);
@@ -43,23 +47,29 @@ bool write_fully(int file, const char* bytes, std::uint64_t length)
             return false;
         }
         bytes += count;
-        length -= static_cast<std::uint64_t>(count);
+        length -= static_cast<std::size_t>(count);
     }
     return true;
 }
 
-int open_without_waiting(const char* path)
+} // namespace
+
+int try_open_to_read(const char* path)
 {
     // O_NONBLOCK: opening a FIFO must not wait for a writer. O_NOCTTY: a terminal must
     // not become ours.
-    const int flags = O_RDONLY | O_NOCTTY | O_CLOEXEC;
-    const int file = open(path, flags | O_NONBLOCK);
+    return open(path, READ_FLAGS | O_NONBLOCK);
+}
+
+int open_to_read(const char* path)
+{
+    const int file = try_open_to_read(path);
     if (file >= 0 || errno != EWOULDBLOCK) {
         return file;
     }
     // Only a file on which another program holds a lease (a file server does) heeds
     // the flag. The system gives that program a limited time to let go.
-    return open(path, flags);
+    return open(path, READ_FLAGS);
 }
 
 bool read_open_file(int file, char*& contents)
@@ -84,11 +94,9 @@ bool read_open_file(int file, char*& contents)
     return true;
 }
 
-} // namespace
-
 bool read_whole_file(const char* path, char*& contents)
 {
-    const int file = open_without_waiting(path);
+    const int file = open_to_read(path);
     if (file < 0) {
         return false;
     }
@@ -103,7 +111,8 @@ bool write_whole_file(const char* path, const char* bytes, std::uint64_t length)
     if (file < 0) {
         return false;
     }
-    const bool complete = write_fully(file, bytes, length);
+    // What lies in memory is never longer than a size_t can tell.
+    const bool complete = write_fully(file, bytes, static_cast<std::size_t>(length));
     close(file);
     return complete;
 }

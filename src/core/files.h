@@ -19,6 +19,15 @@
 // in memory, or gave fewer bytes than its size; contents is left untouched.
 [[nodiscard]] bool read_whole_file(const char* path, char*& contents);
 
+// The two halves of read_whole_file. Opening gives a descriptor that the caller owns, -1
+// where the path cannot be opened; errno says why. Reading leaves the file open.
+[[nodiscard]] int open_to_read(const char* path);
+[[nodiscard]] bool read_open_file(int file, char*& contents);
+
+// Opens as open_to_read does, but never waits: a file on which there is a lease is not
+// opened.
+[[nodiscard]] int try_open_to_read(const char* path);
+
 // Creates or truncates the file and writes all length bytes, going on where the system took
 // a part of them. The result of closing is ignored.
 // False: the file cannot be opened, or fewer bytes were taken; an empty or cut

@@ -17,6 +17,12 @@ constexpr std::uintptr_t LARGE_PAGE_SIZE = std::uintptr_t{2} << 20U;
 
 } // namespace
 
+std::size_t block_size(std::uint64_t count, std::size_t element_size)
+{
+    std::size_t size = 0;
+    return __builtin_mul_overflow(count, element_size, &size) ? SIZE_MAX : size;
+}
+
 void keep_released_memory()
 {
 #ifdef __GLIBC__

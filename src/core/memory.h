@@ -1,9 +1,15 @@
-// What the C library and the kernel are told about large blocks. Only hints: where
-// they are unknown or refused, everything works the same, more slowly.
+// How many bytes a block of elements has, and what the C library and the kernel are told
+// about large blocks. The latter are only hints: where they are unknown or refused,
+// everything works the same, more slowly.
 
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+
+// Bytes of count elements of element_size bytes each; SIZE_MAX, which malloc and realloc
+// never give, when the machine's addresses cannot tell so many bytes apart.
+[[nodiscard]] std::size_t block_size(std::uint64_t count, std::size_t element_size);
 
 // Makes the allocator keep released memory for the blocks to come, for the rest of
 // the run. A block for each file, one after another, otherwise goes back to the

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "core/memory.h"
+
 namespace {
 
 // Makes room for extra more bytes of text and the NUL. Every append grows by this
@@ -20,7 +22,7 @@ bool grow(TextBuffer& buffer, std::uint64_t extra)
     while (capacity < needed) {
         capacity *= 2;
     }
-    void* block = std::realloc(buffer.data, capacity);
+    void* block = std::realloc(buffer.data, block_size(capacity, 1));
     if (block == nullptr) {
         return false;
     }

@@ -218,11 +218,13 @@ void scrape(const char* document, ReportEntry& entry)
 
 } // namespace
 
-void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry)
+void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry,
+                         ReadAhead* ahead)
 {
     init_entry(entry, relative_path);
     char* document = nullptr;
-    if (read_whole_file(full_path, document)) {
+    if (ahead != nullptr ? read_ahead_file(*ahead, full_path, document)
+                         : read_whole_file(full_path, document)) {
         scrape(document, entry);
         std::free(document);
     }

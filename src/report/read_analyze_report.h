@@ -4,13 +4,16 @@
 
 #pragma once
 
+#include "core/read_ahead.h"
 #include "report/report_entry.h"
 
 // Reads the file at full_path and fills every field of entry that a consumer may
 // read; what entry held before does not matter. relative_path is stored as it is,
 // not copied, and must outlive the entry. A file that cannot be read gives
-// ReportKind::Unreadable.
-void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry);
+// ReportKind::Unreadable. In a run over many files, ahead is what reads them, and the file
+// its next one; null: it is read by itself.
+void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry,
+                         ReadAhead* ahead = nullptr);
 
 // The same for a document that is already in memory: a NUL-terminated text, of
 // which nothing is kept. Never gives ReportKind::Unreadable.

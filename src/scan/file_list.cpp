@@ -2,12 +2,14 @@
 
 #include <cstdlib>
 
+#include "core/memory.h"
+
 namespace {
 
 bool grow(FileList& list)
 {
     const std::uint64_t capacity = list.count == 0 ? FILE_LIST_FIRST_CAPACITY : 2 * list.count;
-    void* paths = std::realloc(list.paths, capacity * sizeof *list.paths);
+    void* paths = std::realloc(list.paths, block_size(capacity, sizeof *list.paths));
     if (paths == nullptr) {
         return false;
     }

@@ -9,6 +9,7 @@
 
 #include "core/append_all.h"
 #include "core/paths.h"
+#include "scan/listing_types.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ struct Level
     DIR* listing;
     std::uint16_t folder_length;   // of Walk::full, the folder's own path
     std::uint16_t relative_length; // of Walk::relative, the prefix of its entries
+    bool types_are_true;           // what the listing says of its entries holds
     bool searchable;               // some path inside it has been examined
 };
 
@@ -65,7 +67,8 @@ bool enter(Walk& walk)
         return false;
     }
     walk.levels[walk.depth++] = {listing, static_cast<std::uint16_t>(walk.full.length),
-                                 static_cast<std::uint16_t>(walk.relative.length), false};
+                                 static_cast<std::uint16_t>(walk.relative.length),
+                                 tells_types_truly(listing), false};
     return true;
 }
 
@@ -91,6 +94,21 @@ bool is_report_name(std::string_view name)
 bool may_lead_elsewhere(unsigned char type)
 {
     return type == DT_LNK || type == DT_UNKNOWN;
+}
+
+// The type of the entry at walk.full: as it is listed if that can be believed, else as the
+// entry itself says. Unknown where neither tells.
+unsigned char type_of(const Walk& walk, Level& level, const dirent& entry)
+{
+    if (level.types_are_true && entry.d_type != DT_UNKNOWN) {
+        return entry.d_type;
+    }
+    struct stat status = {};
+    if (lstat(walk.full.data, &status) != 0) {
+        return DT_UNKNOWN;
+    }
+    level.searchable = true;
+    return IFTODT(status.st_mode);
 }
 
 // Tells what the entry at walk.full is, asking the system as seldom as possible.
@@ -120,8 +138,8 @@ EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view 
     return listable ? EntryUse::List : EntryUse::Skip;
 }
 
-// Whether the entry at walk.full is the page under this or another name. What the
-// listing types as anything but a link has its own name as the last component of its
+// Whether the entry at walk.full is the page under this or another name. What is of any
+// type but a link has its own name as the last component of its
 // canonical path, so it is resolved only if that is the page's name.
 bool is_page(const Walk& walk, unsigned char type, std::string_view name)
 {
@@ -141,7 +159,8 @@ bool visit(Walk& walk, const dirent& entry)
     if (name == "." || name == ".." || !set_paths(walk, level, name)) {
         return true;
     }
-    switch (examine(walk, level, entry.d_type, name)) {
+    const unsigned char type = type_of(walk, level, entry);
+    switch (examine(walk, level, type, name)) {
     case EntryUse::Skip:
         return true;
     case EntryUse::Enter:
@@ -150,7 +169,7 @@ bool visit(Walk& walk, const dirent& entry)
     case EntryUse::List:
         break;
     }
-    return is_page(walk, entry.d_type, name) || file_list_append(*walk.list, walk.relative.data);
+    return is_page(walk, type, name) || file_list_append(*walk.list, walk.relative.data);
 }
 
 bool is_listable(const char* folder)
@@ -165,7 +184,8 @@ bool is_listable(const char* folder)
 
 } // namespace
 
-bool scan_reports(const char* input_dir, const char* page_path, FileList& list)
+bool scan_reports(const char* input_dir, const char* page_path, FileList& list,
+                  const Progress* progress)
 {
     if (!is_listable(input_dir)) {
         return false;
@@ -173,11 +193,11 @@ bool scan_reports(const char* input_dir, const char* page_path, FileList& list)
     char canonical_page[PATH_BUFFER_SIZE];
     const bool page_exists =
         page_path != nullptr && resolve_path(page_path, canonical_page, sizeof canonical_page);
-    return scan_directory(input_dir, "", page_exists ? canonical_page : nullptr, list);
+    return scan_directory(input_dir, "", page_exists ? canonical_page : nullptr, list, progress);
 }
 
 bool scan_directory(const char* folder, const char* prefix, const char* canonical_page,
-                    FileList& list)
+                    FileList& list, const Progress* progress)
 {
     Walk walk;
     walk.full = {walk.full_bytes, sizeof walk.full_bytes, 0};
@@ -201,6 +221,7 @@ bool scan_directory(const char* folder, const char* prefix, const char* canonica
             leave(walk);
         } else {
             has_memory = visit(walk, *entry);
+            tell_progress(progress, list.count);
         }
     }
     return has_memory;

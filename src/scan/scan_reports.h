@@ -9,20 +9,24 @@
 // Hidden entries count like any other.
 //
 // Entries that cannot be examined (a dangling link) or whose path grows too long and
-// folders that cannot be opened are skipped; that fails nothing. A plain file of a folder
-// in which another entry could be examined is listed without a question of its own.
+// folders that cannot be opened are skipped; that fails nothing. Where listings can be
+// believed (listing_types.h), a plain file of a folder in which another entry could be
+// examined is listed without a question of its own.
 
 #pragma once
 
+#include "core/progress.h"
 #include "scan/file_list.h"
 
 // Walks input_dir (as the user typed it) and appends each report's path, relative
 // to input_dir with "/" between components, to the list. page_path may be null;
 // if it names an existing file, every name of that file below input_dir is
-// skipped, a hard link excepted.
+// skipped, a hard link excepted. progress, where it is not null, is told after each entry
+// how many files are listed.
 // False: input_dir cannot be opened as a directory, or memory ran out; the list
 // keeps what was appended and is the caller's to free.
-[[nodiscard]] bool scan_reports(const char* input_dir, const char* page_path, FileList& list);
+[[nodiscard]] bool scan_reports(const char* input_dir, const char* page_path, FileList& list,
+                                const Progress* progress = nullptr);
 
 // The walk below one folder, whose entries are listed as prefix, "/" and their
 // name (the name alone when prefix is empty). canonical_page is the page's
@@ -30,4 +34,5 @@
 // opened lists nothing and gives true.
 // False: memory ran out; the list keeps what was appended.
 [[nodiscard]] bool scan_directory(const char* folder, const char* prefix,
-                                  const char* canonical_page, FileList& list);
+                                  const char* canonical_page, FileList& list,
+                                  const Progress* progress = nullptr);

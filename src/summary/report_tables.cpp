@@ -60,22 +60,22 @@ std::string_view display_name(std::string_view path)
     return without_ending(path, {".html", ".htm"}).substr(0, PATH_BUFFER_SIZE - 1);
 }
 
-// What all rows of the page share.
-struct Rows
+// What all rows of the page share, in whichever table they stand.
+struct RowContext
 {
     const ResultsLinkContext& links;
-    std::uint64_t& counter; // rows so far
+    std::uint64_t& last_number; // of the row before
 };
 
-bool append_row_start(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
+bool append_row_start(TextBuffer& buffer, const ReportEntry& entry, RowContext rows)
 {
-    return append_all(buffer, "<tr><td>", ++rows.counter, R"(</td><td><a href=")") &&
+    return append_all(buffer, "<tr><td>", ++rows.last_number, R"(</td><td><a href=")") &&
            append_link_target(buffer, entry, rows.links) &&
            append_all(buffer, R"(">)", EscapedPath{display_name(entry.relative_path)},
                       "</a></td><td>");
 }
 
-bool append_errored_row(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
+bool append_errored_row(TextBuffer& buffer, const ReportEntry& entry, RowContext rows)
 {
     return append_row_start(buffer, entry, rows) &&
            append_all(buffer, R"(<span class="badge fail">ERROR</span></td>)",
@@ -125,7 +125,7 @@ bool append_checks_cell(TextBuffer& buffer, const ReportEntry& entry)
                       "Not gating: ", non_gating, "</span>");
 }
 
-bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, const Rows& rows)
+bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, RowContext rows)
 {
     const char* badge = outcome_of(entry) == Outcome::Passed
                             ? R"(<span class="badge pass">PASS</span>)"
@@ -135,13 +135,13 @@ bool append_analyzed_row(TextBuffer& buffer, const ReportEntry& entry, const Row
            append_checks_cell(buffer, entry) && text_buffer_append(buffer, "</td></tr>\n");
 }
 
-// Appends a table of the `length` reports that belong to it.
+// Appends a table of the row_count reports that belong to it.
 template <typename Belongs, typename AppendRow>
 bool append_table(TextBuffer& buffer, const char* header,
-                  std::span<const ReportEntry* const> reports, std::uint64_t length,
-                  Belongs belongs, AppendRow append_row, const Rows& rows)
+                  std::span<const ReportEntry* const> reports, std::uint64_t row_count,
+                  Belongs belongs, AppendRow append_row, RowContext rows)
 {
-    const bool is_paged = length > TABLE_PAGE_SIZE;
+    const bool is_paged = row_count > TABLE_PAGE_SIZE;
     return text_buffer_append(buffer, TABLE_START) &&
            (!is_paged || append_all(buffer, R"( data-page-size=")", TABLE_PAGE_SIZE, R"(")")) &&
            text_buffer_append(buffer, header) &&

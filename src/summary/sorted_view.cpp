@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/memory.h"
+
 namespace {
 
 // A report with the first bytes of its path that tell it from others, as a number
@@ -57,7 +59,7 @@ void sort_keys(SortKey* keys, std::uint64_t count)
 template <typename Element>
 Element* allocate_for(std::uint64_t reports)
 {
-    return static_cast<Element*>(std::malloc((reports + 1) * sizeof(Element)));
+    return static_cast<Element*>(std::malloc(block_size(reports + 1, sizeof(Element))));
 }
 
 // Sorts the model's reports in scratch, which has room for them, into the view.

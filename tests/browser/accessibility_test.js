@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 
-import { testOnce, withPage } from "./support/browser.js";
+import { lookAt, testOnce } from "./support/browser.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
@@ -51,10 +51,10 @@ function contrastPairs(violation) {
   return [...new Set(pairs)].sort();
 }
 
-for (const theme of ["light", "dark"]) {
-  for (const [name, path] of [["full", fullPage], ["passed", passedPage]]) {
+for (const [name, path] of [["full", fullPage], ["passed", passedPage]]) {
+  for (const theme of ["light", "dark"]) {
     test(`no violation but the forced ones: ${name} page, ${theme}`, async () => {
-      await withPage(path, { colorScheme: theme }, async (page) => {
+      await lookAt(path, { colorScheme: theme }, async (page) => {
         const found = await violations(page);
         const contrast = found.find(({ id }) => id === "color-contrast");
         assert.deepEqual(contrastPairs(contrast), FORCED_BY_PALETTE[theme][name].sort());

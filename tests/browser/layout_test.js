@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 
-import { test, withPage } from "./support/browser.js";
+import { lookAt, test, withPage } from "./support/browser.js";
 import { DOTS, FULL_PAGE_LAYOUT, LAYOUT, PASSED_PAGE_LAYOUT } from "./support/layout.js";
 import { DARK_BLOCK, inTheme, LIGHT_BLOCK } from "./support/palette.js";
 import { pageOf } from "./support/program.js";
@@ -20,13 +20,19 @@ const LOOKS = [
 ];
 
 function inLook(path, look, width, body) {
-  return withPage(path, { colorScheme: look.colorScheme, width }, async (page) => {
+  return lookAt(path, { colorScheme: look.colorScheme, width }, async (page) => {
+    const choose = (theme) =>
+      page.evaluate((value) => {
+        const root = document.documentElement;
+        return value ? root.setAttribute("data-theme", value) : root.removeAttribute("data-theme");
+      }, theme);
     if (look.chosen) {
-      await page.evaluate((theme) => {
-        document.documentElement.setAttribute("data-theme", theme);
-      }, look.chosen);
+      await choose(look.chosen);
     }
     await body(page);
+    if (look.chosen) {
+      await choose(null);
+    }
   });
 }
 
@@ -57,10 +63,32 @@ function likened(actual, expected) {
 }
 
 async function assertLayout(page, table, theme, pseudo) {
-  for (const [selector, values] of table) {
-    const expected = expectedIn(values, theme);
-    const actual = await page.computed(selector, Object.keys(expected), pseudo);
-    assert.deepEqual(likened(actual, expected), expected, `${selector} in the ${theme} theme`);
+  const expected = table.map(([selector, values]) => [selector, expectedIn(values, theme)]);
+  const wanted = expected.map(([selector, values]) => [selector, Object.keys(values)]);
+  const found = await page.computedAll(wanted, pseudo);
+  const actual = found.map((values, index) => [wanted[index][0], likened(values, expected[index][1])]);
+  assert.deepEqual(actual, expected, `in the ${theme} theme`);
+}
+
+async function assertFullPage(page, theme) {
+  await assertLayout(page, [...LAYOUT, ...FULL_PAGE_LAYOUT], theme);
+  await assertLayout(page, [...DOTS, [".badge", { "border-top-left-radius": "50%" }]], theme, "::before");
+}
+
+function assertPassedPage(page, theme) {
+  return assertLayout(page, [...LAYOUT, ...PASSED_PAGE_LAYOUT], theme);
+}
+
+for (const [name, path, assertPage] of [
+  ["errored, failed and passed reports", fullPage, assertFullPage],
+  ["passed reports", passedPage, assertPassedPage],
+]) {
+  for (const look of LOOKS) {
+    for (const width of [1280, 700]) {
+      test(`the layout holds: ${name}, ${look.name}, ${width} pixels wide`, async () => {
+        await inLook(path, look, width, (page) => assertPage(page, look.theme));
+      });
+    }
   }
 }
 
@@ -77,21 +105,6 @@ for (const look of LOOKS) {
       assert.deepEqual(values, Object.fromEntries(expected));
     });
   });
-  for (const width of [1280, 700]) {
-    test(`the layout holds: ${look.name}, ${width} pixels wide`, async () => {
-      await inLook(fullPage, look, width, async (page) => {
-        await assertLayout(page, LAYOUT, look.theme);
-        await assertLayout(page, FULL_PAGE_LAYOUT, look.theme);
-        await assertLayout(page, DOTS, look.theme, "::before");
-        const dot = ["border-top-left-radius"];
-        assert.deepEqual(await page.computed(".badge", dot, "::before"), { [dot[0]]: "50%" });
-      });
-      await inLook(passedPage, look, width, async (page) => {
-        await assertLayout(page, LAYOUT, look.theme);
-        await assertLayout(page, PASSED_PAGE_LAYOUT, look.theme);
-      });
-    });
-  }
 }
 
 function widthsOf(page, selector) {
@@ -120,7 +133,7 @@ for (const [path, tiles, width, rows] of [
   [fullPage, "five", 731, [[1, 1, 1, 1, 1.24]]],
 ]) {
   test(`${tiles} tiles share the width as laid out at ${width} pixels`, async () => {
-    await withPage(path, { width }, async (page) => {
+    await lookAt(path, { width }, async (page) => {
       const found = await tileRows(page);
       // Fonts, and so the room that the last tile's text needs, differ a little.
       const isNear = (share, row, tile) => Math.abs(share - rows[row]?.[tile]) < 0.02;
@@ -131,7 +144,7 @@ for (const [path, tiles, width, rows] of [
 }
 
 test("five tiles wrap at 720 pixels and fill both rows", async () => {
-  await withPage(fullPage, { width: 720 }, async (page) => {
+  await lookAt(fullPage, { width: 720 }, async (page) => {
     const rows = await tileRows(page);
     assert.deepEqual(rows[0], [1, 1, 1, 1]);
     assert.equal(rows.length, 2);
@@ -139,14 +152,14 @@ test("five tiles wrap at 720 pixels and fill both rows", async () => {
 });
 
 test("the page column is 1180 pixels wide at most, in the middle, on the page's background", async () => {
-  await withPage(passedPage, { width: 1400 }, async (page) => {
+  await lookAt(passedPage, { width: 1400 }, async (page) => {
     const box = await page.box(".dash");
     assert.deepEqual([box.left, box.width], [110, 1180]);
   });
 });
 
 test("the first column of a numbered table is 2.2rem wide and a table fills its wrapper", async () => {
-  await withPage(passedPage, {}, async (page) => {
+  await lookAt(passedPage, {}, async (page) => {
     const widths = await widthsOf(page, "table.dt-numbered th:first-child");
     assert.deepEqual(widths.map((width) => width.toFixed(1)), ["35.2"]);
     assert.deepEqual(await widthsOf(page, "table.dt"), await widthsOf(page, ".overflow-x"));
@@ -154,7 +167,7 @@ test("the first column of a numbered table is 2.2rem wide and a table fills its 
 });
 
 test("only the last body row of a table is without a line", async () => {
-  await withPage(passedPage, {}, async (page) => {
+  await lookAt(passedPage, {}, async (page) => {
     const lines = await page.$$eval("table.dt tr", (rows) =>
       rows.map((row) => [...row.cells].map((cell) => getComputedStyle(cell).borderBottomWidth)),
     );
@@ -209,7 +222,7 @@ for (const theme of ["light", "dark"]) {
   });
 
   test(`selected text: ${theme}`, async () => {
-    await withPage(passedPage, { colorScheme: theme }, async (page) => {
+    await lookAt(passedPage, { colorScheme: theme }, async (page) => {
       const actual = await page.computed("p", ["color", "background-color"], "::selection");
       assert.deepEqual(actual, {
         color: inTheme("--ink", theme),
@@ -252,8 +265,8 @@ const REPORT_PARTS = `
   <div class="align-gauge-track" id="track"></div>
   <div class="signal-id" id="ref"><span class="tag" id="ref-tag">Reference</span></div>`;
 
-function withParts(width, body) {
-  return withPage(passedPage, { width }, async (page) => {
+function withParts(body) {
+  return withPage(passedPage, {}, async (page) => {
     await page.evaluate((html) => {
       document.querySelector(".dash").insertAdjacentHTML("beforeend", html);
     }, REPORT_PARTS);
@@ -262,7 +275,7 @@ function withParts(width, body) {
 }
 
 test("parts of the analyzer's own reports have their colours", async () => {
-  await withParts(1280, async (page) => {
+  await withParts(async (page) => {
     await assertLayout(
       page,
       [
@@ -285,11 +298,12 @@ test("parts of the analyzer's own reports have their colours", async () => {
 });
 
 test("the hint at zooming goes at 960 pixels", async () => {
-  for (const [width, isShown] of [[961, 1], [960, 0]]) {
-    await withParts(width, async (page) => {
+  await withParts(async (page) => {
+    for (const [width, isShown] of [[961, 1], [960, 0]]) {
+      await page.resize(width);
       assert.equal(await page.countVisible("#hint"), isShown, `${width} pixels`);
-    });
-  }
+    }
+  });
 });
 
 test("plots are 340 pixels high, one kind of them 210", () => {

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 
-import { test, withPage } from "./support/browser.js";
+import { lookAt, test, withPage } from "./support/browser.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
 
@@ -33,22 +33,25 @@ for (const [size, widths] of [
   ["32px", [320, 360, 400, 480, 600, 720]],
 ]) {
   test(`nothing cuts the pager's buttons off: root font of ${size}`, async () => {
-    await withPage(pagedPage, {}, async (page) => {
-      await page.evaluate((value) => {
-        document.documentElement.style.fontSize = value;
-      }, size);
+    await lookAt(pagedPage, {}, async (page) => {
+      const setSize = (value) =>
+        page.evaluate((text) => {
+          document.documentElement.style.fontSize = text;
+        }, value);
+      await setSize(size);
       for (const width of widths) {
         await page.resize(width);
         assert.equal(await page.evaluate("innerWidth"), width);
         assert.deepEqual(await cutParts(page), [], `${width} pixels`);
       }
+      await setSize("");
     });
   });
 }
 
 test("where the pager is narrow its buttons stand beside each other above the status", async () => {
   const tops = (page) => page.$$eval(".dt-pager > *", (all) => all.map((e) => e.getBoundingClientRect().top));
-  await withPage(pagedPage, {}, async (page) => {
+  await lookAt(pagedPage, {}, async (page) => {
     for (const width of [320, 400]) {
       await page.resize(width);
       const [previous, status, next] = await tops(page);

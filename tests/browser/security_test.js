@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { join } from "node:path";
 
-import { asked, test, withPage } from "./support/browser.js";
+import { asked, lookAt, test, withPage } from "./support/browser.js";
 import { HARMLESS, HOSTILE, rowName, treeOf } from "./support/hostile.js";
 import { inventory, otherNodes } from "./support/inventory.js";
 import { newFolder, summarize, writeTree } from "./support/program.js";
@@ -74,13 +74,13 @@ test("not one request leaves the page before the one that the test makes", async
 
 test("no element, attribute, comment or other node is made by data", async () => {
   const found = [];
-  for (const path of [hostilePage, harmlessPage]) {
-    await withPage(path, {}, async (page) => {
+  for (const path of [harmlessPage, hostilePage]) {
+    await lookAt(path, {}, async (page) => {
       found.push(await inventory(page));
       assert.deepEqual(await otherNodes(page), ["html"]);
     });
   }
-  const [hostile, harmless] = found;
+  const [harmless, hostile] = found;
   assert.deepEqual(hostile, harmless);
   const rows = Object.entries(harmless).filter(([kind]) => kind.endsWith(">tbody>tr"));
   // Two headers stand in body groups: none in the results, one above the other files.
@@ -97,7 +97,7 @@ function cells(page, title) {
 }
 
 test("every text of failed and passed reports reads back exactly", async () => {
-  await withPage(hostilePage, {}, async (page) => {
+  await lookAt(hostilePage, {}, async (page) => {
     assert.deepEqual(
       await cells(page, "Failed"),
       HOSTILE.map(({ shown }, index) => [
@@ -120,7 +120,7 @@ test("every text of failed and passed reports reads back exactly", async () => {
 });
 
 test("every text of errored reports reads back exactly, decoded once", async () => {
-  await withPage(hostilePage, {}, async (page) => {
+  await lookAt(hostilePage, {}, async (page) => {
     assert.deepEqual(
       await cells(page, "Errored"),
       HOSTILE.map(({ shown, decoded }, index) => [
@@ -133,7 +133,7 @@ test("every text of errored reports reads back exactly, decoded once", async () 
 });
 
 test("every other file, the folder and every link target read back exactly", async () => {
-  await withPage(hostilePage, {}, async (page) => {
+  await lookAt(hostilePage, {}, async (page) => {
     const others = await page.$$eval("#other-files td", (all) => all.map((e) => e.textContent));
     const expected = HOSTILE.map(({ shown }, index) => `${rowName("other", index, shown)}.html`);
     assert.deepEqual(others.sort(), expected.sort());

@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 
-import { testOnce, withPage } from "./support/browser.js";
+import { lookAt, testOnce } from "./support/browser.js";
 import { DARK_BLOCK, LIGHT_BLOCK } from "./support/palette.js";
 import { pageOf } from "./support/program.js";
 import { suite } from "./support/reports.js";
@@ -18,7 +18,7 @@ const LESS_MOTION = "(prefers-reduced-motion: reduce)";
 
 async function rulesOf(path, element) {
   let rules;
-  await withPage(path, {}, async (page) => {
+  await lookAt(path, {}, async (page) => {
     rules = await readRules(page, element);
   });
   return rules;
@@ -108,7 +108,7 @@ const ALLOWED_COLOURS = [
 ];
 
 test("components take their colours through custom properties", async () => {
-  await withPage(plainPage, {}, async (page) => {
+  await lookAt(plainPage, {}, async (page) => {
     const rules = (await readRules(page)).slice(3);
     const declarations = rules.flatMap((rule) =>
       written(rule).map(([property, value]) => [rule.selector, property, value]),
@@ -134,7 +134,7 @@ test("components take their colours through custom properties", async () => {
 });
 
 test("the colours of the markup come from the palette, too, apart from the white glyph", async () => {
-  await withPage(pageOf(suite({ passed: 1, failed: 1, errors: 1, other: 1 })), {}, async (page) => {
+  await lookAt(pageOf(suite({ passed: 1, failed: 1, errors: 1, other: 1 })), {}, async (page) => {
     const styles = await page.$$eval("[style]", (elements) =>
       elements.filter((e) => !e.closest("svg")).map((e) => e.getAttribute("style")),
     );
@@ -213,7 +213,7 @@ test("a page with errored reports carries the block for five tiles behind the st
 
 test("a page without errored reports has one style element, one with them two", async () => {
   for (const [path, count] of [[plainPage, 1], [erroredPage, 2]]) {
-    await withPage(path, {}, async (page) => {
+    await lookAt(path, {}, async (page) => {
       assert.equal(await page.evaluate(() => document.styleSheets.length), count);
     });
   }

@@ -73,7 +73,7 @@ void write_reports(const TempFolder& temp, const std::string& folder, int count)
 
 TEST(AskedSystem, OneReportOfAFolderIsExaminedForAll)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     write_reports(temp, "in", 5);
     write_reports(temp, "in/below", 5);
     fs::remove(temp.path("in/r0.html"));
@@ -90,7 +90,7 @@ TEST(AskedSystem, OneReportOfAFolderIsExaminedForAll)
 
 TEST(AskedSystem, WhatCannotBeAReportIsNotExamined)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     for (const char* name : {"in/a", "in/b.txt", "in/c.htm.gz"}) {
         temp.write(name, "");
     }
@@ -101,7 +101,7 @@ TEST(AskedSystem, WhatCannotBeAReportIsNotExamined)
 
 TEST(AskedSystem, EachLinkIsExaminedAndOnlyAFolderEntered)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     temp.write("text", "");
     temp.make_folder("folder");
     temp.link("../text", "in/one");
@@ -115,7 +115,7 @@ TEST(AskedSystem, EachLinkIsExaminedAndOnlyAFolderEntered)
 
 TEST(AskedSystem, AFolderThatCannotBeEnteredChangesNothing)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     for (int i = 0; i < 8; ++i) {
         const std::string number = std::to_string(i);
         temp.write("in/r" + number + ".html", passed_report());
@@ -129,7 +129,7 @@ TEST(AskedSystem, AFolderThatCannotBeEnteredChangesNothing)
 
 TEST(AskedSystem, OnlyWhatIsCalledLikeThePageIsResolved)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     write_reports(temp, "in", 5);
     temp.write("s.html", "an older page");
     temp.chmod("s.html", 0666);
@@ -140,7 +140,7 @@ TEST(AskedSystem, OnlyWhatIsCalledLikeThePageIsResolved)
 
 TEST(AskedSystem, EachOutputFileIsHandedOverInOneCall)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory()); // where listings are believed
     write_reports(temp, "in", 5);
     const auto lines = traced(temp, "write,writev,pwrite64,pwritev,pwritev2");
     for (const char* name : {"s.html", "s.json"}) {

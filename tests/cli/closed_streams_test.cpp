@@ -145,6 +145,8 @@ TEST_F(ClosedStreams, LeaveTheStatusOfAnAnswerAndOfARejection)
 {
     expect_the_same({"--version"}, 0, std::string(VERSION_LINE), "");
     expect_the_same({"--help"}, 0, std::string(USAGE), "");
+    expect_the_same({"--input", "in", "-o", "s.html", "-h"}, 0, std::string(USAGE), "");
+    EXPECT_FALSE(temp.exists("s.html"));
     expect_the_same({"--bogus"}, 1, "", unrecognized_message("--bogus"));
     expect_the_same({}, 1, "", missing_options_message());
 }

@@ -94,14 +94,6 @@ TEST_F(ReadingRun, OneFileDecidesTheStatusAloneAndBesidePassedReports)
     }
 }
 
-TEST_F(ReadingRun, OneErroredReportAndOtherwisePassedReportsGiveStatusOne)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/b.html", errored_report("no &lt;input&gt;"));
-    expect_complete(1, {.passed = 1, .errored = 1});
-    EXPECT_TRUE(std::ranges::count(files(), ListedFile{"b.html", "ERROR", "no <input>"}));
-}
-
 TEST_F(ReadingRun, OneUnreadableFileAndOtherwisePassedReportsShowNoFailureButGiveStatusOne)
 {
     temp.write("in/a.html", passed_report());
@@ -123,19 +115,6 @@ TEST_F(ReadingRun, AFifoDoesNotHoldUpTheRunAndIsUnreadableAsASocketIs)
     temp.make_socket("in/b/socket.html");
     expect_complete(1, {.passed = 1});
     EXPECT_EQ(files().back(), (ListedFile{"b/socket.html", "unreadable", ""}));
-}
-
-TEST_F(ReadingRun, OneFailedReportAmongManyGivesStatusOneWhereverItStands)
-{
-    for (int i = 0; i < 8; ++i) {
-        temp.write("in/" + std::to_string(i) + ".html", passed_report());
-    }
-    for (int i = 0; i < 8; ++i) {
-        const std::string name = "in/" + std::to_string(i) + ".html";
-        temp.write(name, failed_report());
-        expect_complete(1, {.passed = 7, .failed = 1});
-        temp.write(name, passed_report());
-    }
 }
 
 TEST_F(ReadingRun, EveryKindIsCountedAndTheInputIsLeftAsItIs)
@@ -173,41 +152,12 @@ TEST_F(ReadingRun, AnInputThatIsAFileIsReportedAndNothingIsWritten)
     expect_input_message("file.html/");
 }
 
-TEST_F(ReadingRun, AnInputThatIsADanglingLinkOrAFifoIsReported)
-{
-    temp.link("nowhere", "link");
-    temp.make_fifo("fifo");
-    expect_input_message("link");
-    expect_input_message("fifo");
-}
-
 TEST_F(ReadingRun, AMissingInputIsReportedBeforeAnythingThatIsWrongWithThePage)
 {
     temp.write("file", "");
     for (const std::string& page : {std::string(4096, 'x'), std::string("file/sub/s.html")}) {
         expect_run(run_in(temp, {"--input", "none", "-o", page}), 1, "", input_message("none"));
     }
-}
-
-TEST_F(ReadingRun, AnInputThatMayNotBeReadIsReported)
-{
-    temp.write("in/a.html", passed_report());
-    temp.chmod("in", 0311);
-    temp.chmod("", 0777);
-    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html"}), 1, "",
-               input_message("in"));
-    EXPECT_FALSE(temp.exists("s.html"));
-}
-
-TEST_F(ReadingRun, AnInputThatMayNotBeSearchedIsAnEmptyOne)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/sub/b.html", passed_report());
-    temp.chmod("in", 0444);
-    temp.chmod("", 0777);
-    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"}), 0,
-               wrote_with_json("s.html", "s.json", {}), "");
-    EXPECT_EQ(files(), Files{});
 }
 
 TEST_F(ReadingRun, TheInputIsShownByteForByteInTheMessage)
@@ -227,20 +177,4 @@ TEST_F(ReadingRun, TheInputIsUsedAndShownAsTyped)
                    wrote_with_json("s.html", "s.json", {.passed = 1}), "");
         EXPECT_NE(temp.read("s.json").find(": \"" + input + "\",\n"), std::string::npos) << input;
     }
-}
-
-TEST_F(ReadingRun, TheJsonListsTheReportsInTheOrderOfTheListing)
-{
-    for (int i = 0; i < 40; ++i) {
-        temp.write("in/r" + std::to_string(i * 7 % 40) + ".html", passed_report());
-    }
-    Files listing;
-    for (const fs::directory_entry& entry : fs::directory_iterator(temp.path("in"))) {
-        listing.push_back({entry.path().filename().string(), "PASS", ""});
-    }
-    if (std::ranges::is_sorted(listing, {}, &ListedFile::path)) {
-        GTEST_SKIP() << "this file system lists every folder in the order of its names";
-    }
-    expect_complete(0, {.passed = 40});
-    EXPECT_EQ(files(), listing);
 }

@@ -2,7 +2,6 @@
 // itself have the details.
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -13,8 +12,6 @@
 #include "cli/listed_files.h"
 #include "cli/sample_reports.h"
 #include "support/deep_tree.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -36,44 +33,10 @@ protected:
         return paths_in(temp.read(json));
     }
 
-    Names listed_by_ordinary_user()
-    {
-        temp.chmod("", 0777);
-        const ProcessResult result =
-            run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html", "--json"});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.errors, "");
-        return paths_in(temp.read("s.json"));
-    }
-
     TempFolder temp;
 };
 
 } // namespace
-
-TEST_F(Walking, TheEndingsCountInEveryCase)
-{
-    for (const char* name : {"Report.HTML", "x.Htm", ".hidden.html", ".htm", "a.xhtml",
-                             "page.html.bak", "notes.txt"}) {
-        temp.write(std::string("in/") + name, passed_report());
-    }
-    EXPECT_EQ(listed(), (Names{".hidden.html", ".htm", "Report.HTML", "x.Htm"}));
-}
-
-TEST_F(Walking, FilesAtEveryDepthAndInHiddenFoldersAreListed)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/sub/sub/sub/c.html", passed_report());
-    temp.write("in/.hidden/.deeper/.e.html", passed_report());
-    EXPECT_EQ(listed(), (Names{".hidden/.deeper/.e.html", "a.html", "sub/sub/sub/c.html"}));
-}
-
-TEST_F(Walking, AFolderNamedLikeAReportIsWalkedIntoAndNotListed)
-{
-    temp.write("in/old.html/r.html", passed_report());
-    temp.make_folder("in/empty.htm");
-    EXPECT_EQ(listed(), Names{"old.html/r.html"});
-}
 
 TEST_F(Walking, ALinkToAReportIsListedUnderItsOwnNameAndADanglingOneIsSkipped)
 {
@@ -116,61 +79,12 @@ TEST_F(Walking, APageOfAnotherNameInsideTheInputIsListedAsAnOtherFile)
     EXPECT_EQ(files_in(temp.read("in/second.json")).back().outcome, "not_analyze_report");
 }
 
-TEST_F(Walking, ThePageIsRecognisedHoweverItsPathOrTheInputIsTyped)
-{
-    temp.write("in/r.html", passed_report());
-    temp.make_folder("in/sub");
-    temp.link("in", "alias");
-    temp.write("in/s.html", "");
-    for (const std::string& page :
-         Names{"in//s.html", "in/sub/../s.html", "alias/s.html", temp.path("alias/../in/s.html")}) {
-        EXPECT_EQ(listed(page, "in/s.json"), Names{"r.html"}) << page;
-    }
-    for (const std::string& input : Names{"in/", "./in//.", "alias", temp.path("in")}) {
-        expect_run(run_in(temp, {"--input", input, "-o", "in/s.html"}), 0,
-                   wrote("in/s.html", {.passed = 1}), "");
-    }
-}
-
-TEST_F(Walking, EverySymbolicNameOfThePageIsSkippedAndAHardLinkIsNot)
-{
-    temp.write("in/r.html", passed_report());
-    temp.write("in/sub/s.html", "older page");
-    temp.link("sub/s.html", "in/link.html");
-    temp.link("link.html", "in/link2.htm");
-    temp.link("sub", "in/alias");
-    EXPECT_EQ(listed("in/sub/s.html", "in/sub/s.json"), Names{"r.html"});
-    fs::create_hard_link(temp.path("in/sub/s.html"), temp.path("in/hard.html"));
-    EXPECT_EQ(listed("in/sub/s.html", "in/sub/s.json"), (Names{"hard.html", "r.html"}));
-}
-
-TEST_F(Walking, AFileOfThePagesNameInAnotherFolderIsListed)
-{
-    temp.write("in/s.html", passed_report());
-    temp.write("in/sub/s.html", passed_report());
-    EXPECT_EQ(listed("in/sub/s.html", "in/sub/s.json"), Names{"s.html"});
-    EXPECT_EQ(listed(), (Names{"s.html", "sub/s.html"}));
-}
-
 // The older page was a report, so it must be skipped because of its name alone.
 TEST_F(Walking, AReportThatThePageReplacesIsNotRead)
 {
     temp.write("in/r.html", failed_report());
     expect_run(run_in(temp, {"--input", "in", "-o", "in/r.html"}), 0, wrote("in/r.html", {}), "");
     expect_whole_page(temp.read("in/r.html"));
-}
-
-TEST_F(Walking, ASubFolderWithoutReadPermissionIsSkipped)
-{
-    temp.write("in/a.html", passed_report());
-    temp.write("in/closed/b.html", failed_report());
-    temp.write("in/unreadable/c.html", failed_report());
-    temp.write("in/unsearchable/sub/e.html", failed_report());
-    temp.link("closed/b.html", "in/link.html");
-    temp.chmod("in/closed", 0000);
-    temp.chmod("in/unreadable", 0311);
-    temp.chmod("in/unsearchable", 0644);
-    EXPECT_EQ(listed_by_ordinary_user(), Names{"a.html"});
 }
 
 TEST_F(Walking, FilesAndFoldersNamedWithEveryByteAreRead)

@@ -36,15 +36,6 @@ private:
     mode_t before_;
 };
 
-int open_descriptors()
-{
-    int count = 0;
-    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
-        count += fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
-    }
-    return count;
-}
-
 unsigned mode_of(const std::string& path)
 {
     struct stat status = {};
@@ -57,7 +48,7 @@ bool refuses_to_read(const std::string& path)
 {
     char untouched = 'u';
     char* contents = &untouched;
-    const int before = open_descriptors();
+    const std::size_t before = open_descriptors();
     const bool read = read_whole_file(path.c_str(), contents);
     const bool kept = contents == &untouched && untouched == 'u';
     if (contents != &untouched) {
@@ -69,7 +60,7 @@ bool refuses_to_read(const std::string& path)
 void expect_contents(const std::string& path, std::string_view bytes)
 {
     char* contents = nullptr;
-    const int before = open_descriptors();
+    const std::size_t before = open_descriptors();
     ASSERT_TRUE(read_whole_file(path.c_str(), contents)) << path;
     EXPECT_EQ(std::string_view(contents, bytes.size()), bytes);
     EXPECT_EQ(contents[bytes.size()], '\0');
@@ -280,7 +271,7 @@ TEST_F(ReadWholeFile, OfAFileThatGrowsMeanwhileGivesTheBytesOfTheSizeThatItHad)
 
 TEST_F(WriteWholeFile, LeavesExactlyTheGivenBytesAndNoFileOpen)
 {
-    const int before = open_descriptors();
+    const std::size_t before = open_descriptors();
     for (const std::string& bytes : {std::string("longer than the next"), std::string("new"),
                                      std::string(), every_byte() + "\r\n\n"}) {
         ASSERT_TRUE(write_text(path, bytes));

@@ -39,6 +39,20 @@ std::vector<Advice> advices_for(std::uintptr_t block, std::size_t size)
     return advices;
 }
 
+TEST(BlockSize, IsTheProductAsLongAsItFits)
+{
+    EXPECT_EQ(block_size(3, 40), 120U);
+    EXPECT_EQ(block_size(SIZE_MAX / 8, 8), SIZE_MAX - 7);
+    EXPECT_EQ(block_size(SIZE_MAX, 1), SIZE_MAX);
+}
+
+TEST(BlockSize, OfMoreThanAddressesCanTellApartIsWhatIsNeverGiven)
+{
+    for (const std::uint64_t count : {UINT64_MAX, UINT64_MAX / 8 + 1, SIZE_MAX / 8 + UINT64_C(1)}) {
+        EXPECT_EQ(block_size(count, 8), SIZE_MAX);
+    }
+}
+
 TEST(KeepReleasedMemory, SetsNoLimitToWhatIsKept)
 {
     std::map<int, int> malloc_options; // the settings cannot be read back

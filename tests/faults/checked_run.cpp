@@ -1,6 +1,7 @@
 #include "faults/checked_run.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -32,6 +33,7 @@ std::optional<std::string> file_bytes(const std::string& path)
 Aftermath run_program(const World& world, WatchedRun& watched)
 {
     world.reset();
+    setenv("TERM", "xterm", 1);
     std::vector<std::string> words = {"fthsummary", "--input", INPUT, "-o", world.page};
     if (world.wants_json) {
         words.emplace_back("--json");
@@ -93,7 +95,7 @@ void expect_one_answer(const Aftermath& after)
 
 Reference::Reference(const World& world)
 {
-    WatchedRun watched(world.page, world.wants_json, {}, true);
+    WatchedRun watched(world, {}, true);
     const Aftermath after = run_program(world, watched);
     trace = watched.trace();
     listings = watched.listings();
@@ -111,7 +113,7 @@ std::vector<CallRecord> check_run(const World& world, const Reference& reference
                                   const std::vector<Fault>& faults)
 {
     const testing::ScopedTrace trace(__FILE__, __LINE__, described(faults));
-    WatchedRun watched(world.page, world.wants_json, faults, false);
+    WatchedRun watched(world, faults, false);
     const Aftermath after = run_program(world, watched);
     if (watched.failed().empty()) {
         ADD_FAILURE() << "no call failed";

@@ -1,5 +1,8 @@
 // Which failure comes to what, by what the run is about.
 
+#include <algorithm>
+#include <iterator>
+
 #include "faults/forecast.h"
 
 namespace {
@@ -30,6 +33,8 @@ constexpr Rule RULES[] = {
     {Call::Readdir, Answer::Refuse, Phase::Walk, Effect::EndsFolder},
     {Call::Closedir, Answer::Refuse, Phase::Start, Effect::Nothing},
     {Call::Closedir, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Fstatfs, Answer::Refuse, Phase::Walk, Effect::Nothing},
+    {Call::Lstat, Answer::Refuse, Phase::Walk, Effect::Nothing},
     {Call::Stat, Answer::Refuse, Phase::Walk, Effect::HidesEntry},
     {Call::Realpath, Answer::Refuse, Phase::Start, Effect::ForgetsPage},
     {Call::Realpath, Answer::Refuse, Phase::Walk, Effect::MistakesEntry},
@@ -42,6 +47,16 @@ constexpr Rule RULES[] = {
     {Call::Pread, Answer::Short, Phase::Reading, Effect::Nothing},
     {Call::Pread, Answer::Nothing, Phase::Reading, Effect::Unreadable},
     {Call::Close, Answer::Refuse, Phase::Reading, Effect::Nothing},
+
+    // Reading ahead.
+    {Call::Usage, Answer::Refuse, Phase::Reading, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Open, Answer::WouldBlock, Phase::Ahead, Effect::Nothing},
+    {Call::Fstat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Fadvise, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Close, Answer::Refuse, Phase::Ahead, Effect::Nothing},
+    {Call::Stat, Answer::Refuse, Phase::Reading, Effect::Nothing},
 
     // Folders. One that cannot be examined is made, and one that is there counts as made.
     {Call::Stat, Answer::Refuse, Phase::Folders, Effect::Nothing},
@@ -69,12 +84,19 @@ constexpr Rule RULES[] = {
     {Call::Close, Answer::Refuse, Phase::JsonFile, Effect::Nothing},
 };
 
+// Whatever is printed or drawn, and at any time: what cannot be shown is lost, and that is
+// all.
+constexpr FaultKind SHOWING[] = {{Call::Print, Answer::Refuse},     {Call::Isatty, Answer::Refuse},
+                                 {Call::Tcgetpgrp, Answer::Refuse}, {Call::Ioctl, Answer::Refuse},
+                                 {Call::Clock, Answer::Refuse},     {Call::Draw, Answer::Refuse},
+                                 {Call::Draw, Answer::Short},       {Call::Draw, Answer::Nothing}};
+
 } // namespace
 
 const std::vector<FaultKind>& fault_kinds()
 {
     static const std::vector<FaultKind> KINDS = [] {
-        std::set<FaultKind> kinds = {{Call::Print, Answer::Refuse}};
+        std::set<FaultKind> kinds(std::begin(SHOWING), std::end(SHOWING));
         for (const Rule& rule : RULES) {
             kinds.emplace(rule.call, rule.answer);
         }
@@ -83,10 +105,9 @@ const std::vector<FaultKind>& fault_kinds()
     return KINDS;
 }
 
-// Whatever is printed, and at any time: what cannot be printed is lost, and that is all.
 std::optional<Effect> effect_of(const CallRecord& failed)
 {
-    if (failed.call == Call::Print) {
+    if (std::ranges::count(SHOWING, FaultKind(failed.call, failed.answer)) > 0) {
         return Effect::Nothing;
     }
     for (const Rule& rule : RULES) {

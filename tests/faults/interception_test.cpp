@@ -63,7 +63,7 @@ bool cannot_fail(const std::string& name)
 {
     static const std::vector<std::string> NAMES =
         split("memcpy memmove memset memcmp bcmp memchr strlen strcmp strncmp strchr "
-              "strstr signal stdout stderr __errno_location __stack_chk_fail "
+              "strstr dirfd signal getenv getpgrp stdout stderr __errno_location __stack_chk_fail "
               "_GLOBAL_OFFSET_TABLE_",
               ' ');
     static const std::vector<std::string> COMPILER = {

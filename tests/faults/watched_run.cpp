@@ -7,6 +7,8 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -47,8 +49,8 @@ int fail_half_way(char* text, std::size_t size, int length)
 
 } // namespace
 
-WatchedRun::WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records)
-    : page_(std::move(page)), with_json_(with_json), faults_(std::move(faults)), records_(records)
+WatchedRun::WatchedRun(const World& world, std::vector<Fault> faults, bool records)
+    : world_(world), faults_(std::move(faults)), records_(records)
 {
 }
 
@@ -61,6 +63,7 @@ int WatchedRun::watch(const std::function<int()>& program)
     intercept_paths();
     intercept_texts();
     intercept_time();
+    intercept_terminal();
     const int result = program();
     while (!interceptions_.empty()) {
         interceptions_.pop_back();
@@ -84,6 +87,7 @@ std::string WatchedRun::slips() const
     add(blocks_.size(), "blocks");
     add(files_.size(), "files");
     add(folders_.size(), "folders");
+    add(line_stands_ ? 1 : 0, "line of the terminal");
     return text;
 }
 
@@ -143,35 +147,48 @@ void WatchedRun::intercept_memory()
 void WatchedRun::intercept_files()
 {
     intercept(open_call, [this](const auto& next, const char* path, int flags, mode_t mode) {
-        opened(path, (flags & O_ACCMODE) != O_RDONLY);
+        if ((flags & O_ACCMODE) != O_RDONLY) {
+            begin_writing(path);
+        }
         if (const std::optional<Answer> answer = ask(Call::Open, path)) {
             errno = *answer == Answer::WouldBlock ? EWOULDBLOCK : EMFILE;
             return -1;
         }
         const int file = next(path, flags, mode);
         if (file >= 0) {
-            files_.insert(file);
+            files_[file] = path;
         }
         return file;
     });
     intercept(close_call, [this](const auto& next, int file) {
-        const bool refused = refuses(Call::Close, EIO, file_);
+        const bool refused = refuses(Call::Close, EIO, files_[file]);
         closed(file);
         const int result = next(file);
         return refused ? -1 : result;
     });
-    intercept_refusing(lseek_call, Call::Lseek, -1, EIO);
+    intercept(fstat_call, [this](const auto& next, int file, struct stat* status) {
+        return refuses(Call::Fstat, EIO, files_[file]) ? -1 : next(file, status);
+    });
+    intercept_refusing(posix_fadvise_call, Call::Fadvise, ESPIPE, EINVAL);
+    intercept(lseek_call, [this](const auto& next, int file, off_t offset, int whence) {
+        begin_reading(file);
+        return refuses(Call::Lseek, EIO, file_) ? -1 : next(file, offset, whence);
+    });
 }
 
 void WatchedRun::intercept_transfers()
 {
-    intercept(pread_call,
-              [this](const auto& next, int file, void* bytes, std::size_t count, off_t offset) {
-                  return transfer_some(ask(Call::Pread, file_), count, [&](std::size_t some) {
-                      return next(file, bytes, some, offset);
-                  });
-              });
+    intercept(pread_call, [this](const auto& next, int file, void* bytes, std::size_t count,
+                                 off_t offset) {
+        return transfer_some(ask(Call::Pread, files_[file]), count,
+                             [&](std::size_t some) { return next(file, bytes, some, offset); });
+    });
     intercept(write_call, [this](const auto& next, int file, const void* bytes, std::size_t count) {
+        if (file == STDERR_FILENO) {
+            line_stands_ = !std::string_view(static_cast<const char*>(bytes), count).ends_with('J');
+            return transfer_some(ask(Call::Draw, ""), count,
+                                 [](std::size_t some) { return static_cast<ssize_t>(some); });
+        }
         return transfer_some(ask(Call::Write, file_), count,
                              [&](std::size_t some) { return next(file, bytes, some); });
     });
@@ -217,12 +234,15 @@ void WatchedRun::intercept_folders()
 
 void WatchedRun::intercept_paths()
 {
+    intercept_refusing(fstatfs_call, Call::Fstatfs, -1, ENOSYS);
     intercept(stat_call, [this](const auto& next, const char* path, struct stat* status) {
-        begin_folders();
+        begin_examining(path);
         return refuses(Call::Stat, EACCES, path) ? -1 : next(path, status);
     });
+    intercept(lstat_call, [this](const auto& next, const char* path, struct stat* status) {
+        return refuses(Call::Lstat, EACCES, path) ? -1 : next(path, status);
+    });
     intercept(mkdir_call, [this](const auto& next, const char* path, mode_t mode) {
-        begin_folders();
         if (const std::optional<Answer> answer = ask(Call::Mkdir, path)) {
             errno = *answer == Answer::Exists ? EEXIST : EACCES;
             return -1;
@@ -246,6 +266,7 @@ void WatchedRun::intercept_texts()
     });
     intercept(print_call, [this](const auto&, std::FILE* stream, std::string_view text) {
         (stream == stderr ? errors_ : output_) += text;
+        slips_ += line_stands_ ? "printed beside the line of the terminal\n" : "";
         return refuses(Call::Print, ENOSPC) ? std::size_t{0} : text.size();
     });
 }
@@ -255,8 +276,27 @@ void WatchedRun::intercept_time()
     intercept(time_call, [this](const auto&, std::time_t*) {
         return refuses(Call::Time, EFAULT) ? std::time_t{-1} : WATCHED_TIME;
     });
+    intercept_refusing(getrusage_call, Call::Usage, -1, EINVAL);
     intercept_refusing(gmtime_r_call, Call::Gmtime, nullptr, EOVERFLOW);
     intercept_refusing(strftime_call, Call::Strftime, 0, ERANGE);
+}
+
+void WatchedRun::intercept_terminal()
+{
+    intercept(isatty_call, [this](const auto&, int) {
+        return !refuses(Call::Isatty, ENOTTY) && world_.has_terminal ? 1 : 0;
+    });
+    intercept(tcgetpgrp_call, [this](const auto&, int) {
+        return refuses(Call::Tcgetpgrp, ENOTTY) ? -1 : getpgrp();
+    });
+    intercept(ioctl_call, [this](const auto&, int, unsigned long, void* size) {
+        *static_cast<winsize*>(size) = {24, 30, 0, 0};
+        return refuses(Call::Ioctl, ENOTTY) ? -1 : 0;
+    });
+    intercept(clock_gettime_call, [this](const auto&, clockid_t, timespec* now) {
+        *now = {world_.has_terminal ? static_cast<std::time_t>(2 * count(Call::Clock) + 1) : 0, 0};
+        return refuses(Call::Clock, EINVAL) ? -1 : 0;
+    });
 }
 
 std::optional<Answer> WatchedRun::ask(Call call, std::string_view subject, std::uint64_t number)
@@ -294,19 +334,28 @@ void WatchedRun::begin_assembling()
     }
 }
 
-void WatchedRun::begin_folders()
+// Of the files that are read, only those are examined that are opened ahead: before that,
+// and once more when their turn comes. Everything else is a folder above the page.
+void WatchedRun::begin_examining(const std::string& path)
 {
-    if (phase_ == Phase::Entries || phase_ == Phase::Reading) {
-        phase_ = Phase::Folders;
+    if (phase_ != Phase::Entries && phase_ != Phase::Reading && phase_ != Phase::Ahead) {
+        return;
     }
+    const bool is_open = std::any_of(files_.begin(), files_.end(),
+                                     [&](const auto& open) { return open.second == path; });
+    phase_ = !path.ends_with("html") ? Phase::Folders : is_open ? Phase::Reading : Phase::Ahead;
 }
 
-void WatchedRun::opened(const char* path, bool for_writing)
+void WatchedRun::begin_reading(int file)
+{
+    file_ = files_[file];
+    phase_ = Phase::Reading;
+}
+
+void WatchedRun::begin_writing(const std::string& path)
 {
     file_ = path;
-    if (for_writing) {
-        phase_ = file_ == page_ ? Phase::PageFile : Phase::JsonFile;
-    }
+    phase_ = path == world_.page ? Phase::PageFile : Phase::JsonFile;
 }
 
 void WatchedRun::closed(int file)
@@ -316,7 +365,7 @@ void WatchedRun::closed(int file)
     }
     file_.clear();
     if (phase_ == Phase::PageFile) {
-        phase_ = with_json_ ? Phase::Json : Phase::Closing;
+        phase_ = world_.wants_json ? Phase::Json : Phase::Closing;
     } else if (phase_ == Phase::JsonFile) {
         phase_ = Phase::Closing;
     }
@@ -346,9 +395,11 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",  "realloc", "open",     "lseek",    "pread",   "write",    "close",
-        "opendir", "readdir", "closedir", "stat",     "mkdir",   "realpath", "format",
-        "print",   "time",    "gmtime_r", "strftime", "madvise", "mallopt"};
+        "malloc",  "realloc", "open",      "fstat",    "posix_fadvise", "lseek",
+        "pread",   "write",   "close",     "opendir",  "readdir",       "closedir",
+        "fstatfs", "stat",    "lstat",     "mkdir",    "realpath",      "format",
+        "print",   "time",    "getrusage", "gmtime_r", "strftime",      "madvise",
+        "mallopt", "isatty",  "tcgetpgrp", "ioctl",    "clock_gettime", "draw"};
     return NAMES[index_of(call)];
 }
 
@@ -361,8 +412,8 @@ const char* name_of(Answer answer)
 
 const char* name_of(Phase phase)
 {
-    static constexpr std::array<const char*, 10> NAMES = {
-        "Start", "Walk",     "Entries", "Reading",  "Folders",
+    static constexpr std::array<const char*, 11> NAMES = {
+        "Start", "Walk",     "Entries", "Reading",  "Ahead",  "Folders",
         "Page",  "PageFile", "Json",    "JsonFile", "Closing"};
     return NAMES[static_cast<std::size_t>(phase)];
 }

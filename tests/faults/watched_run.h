@@ -16,6 +16,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "faults/world.h"
 #include "support/intercepted_calls.h"
 
 enum class Call
@@ -23,6 +24,8 @@ enum class Call
     Malloc,
     Realloc,
     Open,
+    Fstat,
+    Fadvise,
     Lseek,
     Pread,
     Write,
@@ -30,18 +33,26 @@ enum class Call
     Opendir,
     Readdir,
     Closedir,
+    Fstatfs,
     Stat,
+    Lstat,
     Mkdir,
     Realpath,
     Format,
     Print,
     Time,
+    Usage,
     Gmtime,
     Strftime,
     Madvise,
     Mallopt,
+    Isatty,
+    Tcgetpgrp,
+    Ioctl,
+    Clock,
+    Draw, // write, on the terminal
 };
-inline constexpr std::size_t CALL_COUNT = 20;
+inline constexpr std::size_t CALL_COUNT = 30;
 
 // What a failing call says.
 enum class Answer
@@ -61,6 +72,7 @@ enum class Phase
     Walk,     // lists the files
     Entries,  // has listed them
     Reading,  // reads one file after another
+    Ahead,    // meanwhile opens another one ahead
     Folders,  // makes the folders above the page
     Page,     // assembles the page
     PageFile, // writes it
@@ -96,10 +108,11 @@ inline constexpr std::time_t WATCHED_TIME = 1767225599;
 class WatchedRun
 {
 public:
-    // Files opened for writing are the page if they have its path, and the JSON else. Without
-    // JSON, the page is the last. A run that records keeps each call; the others keep those
-    // that they fail.
-    WatchedRun(std::string page, bool with_json, std::vector<Fault> faults, bool records);
+    // Of the program in this world. Files opened for writing are the page if they have its
+    // path, and the JSON else. Without JSON, the page is the last. On a terminal, seconds go
+    // by between any two looks at the clock. A run that records keeps each call; the others
+    // keep those that they fail.
+    WatchedRun(const World& world, std::vector<Fault> faults, bool records);
 
     // Watches program, and gives what it returns. Once.
     int watch(const std::function<int()>& program);
@@ -128,8 +141,8 @@ public:
         return errors_;
     }
 
-    // What the code has not given back, and what it gave back without having it; empty
-    // when all is in order.
+    // What the code has not given back, what it gave back without having it, and a line
+    // that stands on the terminal beside what is printed; empty when all is in order.
     std::string slips() const;
 
 private:
@@ -151,6 +164,7 @@ private:
     void intercept_paths();
     void intercept_texts();
     void intercept_time();
+    void intercept_terminal();
 
     // The answer with which this call is to fail, if it is to.
     std::optional<Answer> ask(Call call, std::string_view subject, std::uint64_t number = 0);
@@ -158,14 +172,15 @@ private:
 
     void begin_assembling();
     void begin_folders();
-    void opened(const char* path, bool for_writing);
+    void begin_examining(const std::string& path);
+    void begin_reading(int file);
+    void begin_writing(const std::string& path);
     void closed(int file);
     void leave_folder();
     void hold(void* block);
     void release(void* block);
 
-    std::string page_;
-    bool with_json_;
+    const World& world_;
     std::vector<Fault> faults_;
     bool records_;
     Phase phase_ = Phase::Start;
@@ -175,9 +190,10 @@ private:
     Listings listings_;
     std::string output_;
     std::string errors_;
-    std::string file_; // the one that is open
+    bool line_stands_ = false; // on the terminal, not erased yet, nor tried to be
+    std::string file_;         // the one that is read or written
     std::unordered_set<void*> blocks_;
-    std::set<int> files_;
+    std::map<int, std::string> files_;
     std::map<DIR*, Listing> folders_;
     std::string slips_;
     std::vector<std::shared_ptr<void>> interceptions_;

@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include <linux/magic.h>
+
 #include "cli/sample_reports.h"
 #include "report/read_analyze_report.h"
 
@@ -32,17 +34,24 @@ std::string errored()
 
 const char* name_of(Scene scene)
 {
-    static constexpr std::array<const char*, 6> NAMES = {
-        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed", "NoJson", "ManyReports"};
+    static constexpr std::array<const char*, 8> NAMES = {
+        "NoOlderPage", "OlderPage", "MissingFolders", "AllPassed",
+        "NoJson",      "Share",     "Terminal",       "ManyReports"};
     return NAMES[static_cast<std::size_t>(scene)];
 }
 
-World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path())
+World::World(Scene scene)
+    : has_terminal(scene == Scene::Terminal), temp_(folder_in_memory()),
+      before_(fs::current_path()), usage_(getrusage_call, [scene](const auto&, int, rusage* usage) {
+          *usage = {};
+          usage->ru_inblock = scene == Scene::Share ? static_cast<long>(getrusage_call.made) : 0;
+          return 0;
+      })
 {
     fs::current_path(temp_.path());
     page = "out/summary.html";
     temp_.make_folder("out");
-    if (scene == Scene::OlderPage) {
+    if (scene == Scene::OlderPage || scene == Scene::Share) {
         page = "in/latest/summary.html";
         add_older_outputs();
     } else if (scene == Scene::MissingFolders) {
@@ -55,7 +64,7 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     json = page.substr(0, page.size() - 5) + ".json";
     if (scene == Scene::ManyReports) {
         add_many();
-    } else if (scene == Scene::AllPassed || scene == Scene::NoJson) {
+    } else if (scene == Scene::AllPassed || scene == Scene::NoJson || scene == Scene::Terminal) {
         add_few();
     } else {
         add_tree(scene == Scene::NoOlderPage ? PAGED : 8);
@@ -63,6 +72,12 @@ World::World(Scene scene) : temp_(folder_in_memory()), before_(fs::current_path(
     }
     reset();
     read_files();
+    if (scene == Scene::Share) {
+        listings_.emplace(fstatfs_call, [](const auto&, int, struct statfs* status) {
+            status->f_type = FUSE_SUPER_MAGIC;
+            return 0;
+        });
+    }
 }
 
 World::~World()

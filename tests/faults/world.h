@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "report/report_entry.h"
+#include "support/intercepted_calls.h"
 #include "support/temp_folder.h"
 
 enum class Scene
@@ -23,10 +24,14 @@ enum class Scene
     MissingFolders, // three folders above it are missing
     AllPassed,      // as NoOlderPage, with a few reports that do not fail the run
     NoJson,         // as AllPassed, without --json, beside older JSON
+    Share,          // as OlderPage, on a file system whose listings are not believed, and
+                    // which has to be waited for
+    Terminal,       // as AllPassed, with a terminal for standard error
     ManyReports,    // as NoOlderPage, with a list of several megabytes
 };
-inline constexpr Scene SMALL_SCENES[] = {Scene::NoOlderPage, Scene::OlderPage,
-                                         Scene::MissingFolders, Scene::AllPassed, Scene::NoJson};
+inline constexpr Scene SMALL_SCENES[] = {
+    Scene::NoOlderPage, Scene::OlderPage, Scene::MissingFolders, Scene::AllPassed,
+    Scene::NoJson,      Scene::Share,     Scene::Terminal};
 const char* name_of(Scene scene);
 
 inline constexpr char INPUT[] = "in";
@@ -44,6 +49,7 @@ public:
 
     std::string page; // as typed
     bool wants_json = true;
+    bool has_terminal = false;
     std::string json;                         // where it is, or would be
     std::map<std::string, ReportEntry> files; // as they are read; by their path below INPUT
     std::set<std::string> empty_files;        // those of files that hold no bytes
@@ -67,4 +73,6 @@ private:
 
     TempFolder temp_;
     std::filesystem::path before_;
+    Interception<int, int, rusage*> usage_; // only a share brings anything in
+    std::optional<Interception<int, int, struct statfs*>> listings_;
 };

@@ -7,12 +7,17 @@ import path from "node:path";
 import process from "node:process";
 import { Buffer } from "node:buffer";
 import { test } from "node:test";
-import { FIRST, addMakefile, makeProject, packageOf, read, run, writeRecipe } from "./support.js";
-
-function parseYaml(file) {
-  const script = "import json, sys, yaml; print(json.dumps(yaml.load(sys.stdin, yaml.BaseLoader)))";
-  return JSON.parse(run("/usr/bin/python3", ["-c", script], { input: read(file) }).stdout);
-}
+import {
+  FIRST,
+  addMakefile,
+  imageOf,
+  makeProject,
+  packageOf,
+  parseYaml,
+  read,
+  run,
+  writeRecipe,
+} from "./support.js";
 
 // A program of the machine that a test does without.
 function addStub(folder, name, script) {
@@ -38,7 +43,7 @@ done`,
   return folder;
 }
 
-// The same with the program on the machine, as an administrator has installed it.
+// A project on a machine with the program, as an administrator has installed it.
 function makeInstalledProject(t, verdicts) {
   const folder = makeCiProject(t, verdicts);
   run("dpkg-deb", ["-x", `${folder}/ci/fthsummary.deb`, `${folder}/machine`]);
@@ -52,6 +57,33 @@ const environment = (folder) => ({ PATH: `${folder}/stubs:${folder}/machine/usr/
 function runLine(folder, line, { status = 0, env = {} } = {}) {
   const all = { ...environment(folder), ...env };
   return run("sh", ["-e", "-c", onMachine(folder, line)], { cwd: folder, env: all, status });
+}
+
+// A project whose job runs on a machine that is made as the image's file says: apt-get is
+// a stand-in again, and the files come from the project and from the container image.
+function makeImageProject(t, verdicts) {
+  const folder = makeCiProject(t, verdicts);
+  run("tar", ["-x", "-f", imageOf(FIRST), "--one-top-level=image"], { cwd: folder });
+  fs.copyFileSync(path.join(FIRST, "filters/junit.jq"), `${folder}/junit.jq`);
+  const steps = {
+    FROM: (image) => assert.equal(image, "debian:12"),
+    RUN: (...words) => runLine(folder, words.join(" ")),
+    COPY: (...words) => {
+      const [file, to] = words.slice(-2);
+      const [, image] = words[0].match(/^--from=fthsummary:(.*)$/) ?? [];
+      const unpack = ["unpack", "--rootless", "--image", `${folder}/image:${image}`, `${folder}/unpacked`];
+      const from = image ? `${folder}/unpacked/rootfs` : folder;
+      if (image) {
+        run("umoci", unpack);
+      }
+      fs.cpSync(path.join(from, file), path.join(`${folder}/machine`, to));
+    },
+  };
+  for (const line of read(writeRecipe("Containerfile", folder)).trim().split("\n")) {
+    const [instruction, ...words] = line.split(" ");
+    steps[instruction](...words);
+  }
+  return folder;
 }
 
 const SUM_UP = /^fthsummary /;
@@ -99,7 +131,7 @@ for (const [verdicts, status] of CASES) {
   });
 
   test(`the GitLab job ${what}; page and JUnit report are kept all the same`, (t) => {
-    const folder = makeCiProject(t, verdicts);
+    const folder = makeImageProject(t, verdicts);
     const { summary } = parseYaml(writeRecipe(".gitlab-ci.yml", folder));
     runLines(folder, summary.script, status);
     summary.after_script.forEach((line) => runLine(folder, line));

@@ -105,8 +105,9 @@ test("fish: offers exactly the options of the program", () => {
   assert.deepEqual([...offered].sort(), OPTIONS);
 });
 
-test("fish: --in<Tab> becomes --input", () => {
-  assert.deepEqual(fish("fthsummary --in"), ["--input"]);
+// To --in, fish 4 would also name --version, which has these letters, too.
+test("fish: --inp<Tab> becomes --input", () => {
+  assert.deepEqual(fish("fthsummary --inp"), ["--input"]);
 });
 
 test("fish: after --input there are folders and no files", () => {
@@ -120,7 +121,9 @@ test("fish: after -o there are files, and folders that may hold them", () => {
 
 test("without the installed files there are no completions, so these tests can fail", () => {
   const elsewhere = { XDG_DATA_DIRS: `${folder}/here`, ZSH_FOLDER: `${folder}/here` };
-  assert.deepEqual(fish("fthsummary --in", { dataFolders: elsewhere.XDG_DATA_DIRS }), []);
+  // Fish 4 knows options from the usage text by itself, but not what their values are.
+  const values = fish("fthsummary --input al", { dataFolders: elsewhere.XDG_DATA_DIRS });
+  assert.ok(values.includes("alone.html"), values.join());
   for (const shell of ["bash", "zsh"]) {
     assert.equal(typed(shell, "fthsummary --in\t", elsewhere), "fthsummary --in");
   }

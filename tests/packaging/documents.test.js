@@ -7,7 +7,17 @@ import os from "node:os";
 import path from "node:path";
 import process from "node:process";
 import { after, before, test } from "node:test";
-import { FIRST, SOURCE, fencedBlocks, matchJson, read, run, temporaryFolder } from "./support.js";
+import {
+  FIRST,
+  PROGRAM,
+  SOURCE,
+  archiveOf,
+  fencedBlocks,
+  matchJson,
+  read,
+  run,
+  temporaryFolder,
+} from "./support.js";
 
 const DOCUMENTS = run("git", ["ls-files", "--cached", "--others", "--exclude-standard", "*.md"], {
   cwd: SOURCE,
@@ -35,9 +45,45 @@ case $2 in
 esac
 `;
 
+// Installs an RPM into a folder of its own; what it depends on is not there.
+const DNF = `#!/bin/sh
+set -eu
+in_folder() { $AS_ROOT rpm --root="$ROOT/fedora" --dbpath=/rpmdb "$@"; }
+case $1 in
+    install) in_folder --install --nodeps "$2" ;;
+    remove) in_folder --erase "$2" ;;
+esac
+`;
+
+// Unpacks an image, and runs it where the mounted folder lies in place.
+const PODMAN = `#!/bin/sh
+set -eu
+image=$ROOT/image
+case $1 in
+    load)
+        mkdir -p "$image"
+        tar -xf "$3" -C "$image"
+        name=$(jq -r '.[0].RepoTags[0]' "$image/manifest.json")
+        umoci unpack --rootless --image "$image:\${name#*:}" "$image/$name"
+        ;;
+    run)
+        shift 2
+        mounted=\${2%:*}
+        root=$ROOT
+        while [ "\${1#-}" != "$1" ]; do shift 2; done
+        root=$image/$1/rootfs
+        shift
+        cp -r "$mounted/." "$root/reports"
+        $AS_ROOT chroot "$root" /fthsummary "$@"
+        cp -r "$root/reports/." "$mounted"
+        ;;
+esac
+`;
+
 function makeSandbox(folder) {
   const [tree, root, stubs] = ["tree", "root", "stubs"].map((name) => path.join(folder, name));
   fs.cpSync(FIRST, tree, { recursive: true, filter: (file) => file !== path.join(FIRST, "build") });
+  fs.cpSync(path.join(FIRST, "build/packages"), path.join(tree, "build/packages"), { recursive: true });
   for (const name of ["info", "updates", "triggers"]) {
     fs.mkdirSync(`${root}/var/lib/dpkg/${name}`, { recursive: true });
   }
@@ -45,6 +91,10 @@ function makeSandbox(folder) {
   fs.mkdirSync(stubs);
   fs.writeFileSync(`${stubs}/sudo`, SUDO, { mode: 0o755 });
   fs.writeFileSync(`${stubs}/apt`, APT, { mode: 0o755 });
+  fs.writeFileSync(`${stubs}/dnf`, DNF, { mode: 0o755 });
+  for (const name of ["podman", "docker"]) {
+    fs.writeFileSync(`${stubs}/${name}`, PODMAN, { mode: 0o755 });
+  }
   const env = {
     ROOT: root,
     AS_ROOT: process.getuid() === 0 ? "" : "unshare -r",
@@ -79,6 +129,38 @@ before(() => {
   sandbox = makeSandbox(sandboxFolder);
 });
 after(() => fs.rmSync(sandboxFolder, { recursive: true, force: true }));
+
+// The commands of the README's tables of installations, by what they are for.
+const COMMANDS = Object.fromEntries(
+  [...read(SOURCE, "README.md").match(/^## Install\n(.*?)^## /ms)[1].matchAll(/^\| (.*) \| `(.*)` \|$/gm)].map(
+    ([, what, command]) => [what, command],
+  ),
+);
+
+test("each command of the README's tables installs a program that runs", () => {
+  const { root, tree } = sandbox;
+  const inPackages = (text) => runBlock(sandbox, { text: `cd build/packages\n${text}` });
+  const version = run(PROGRAM, ["--version"]).stdout;
+  const installed = {
+    "Debian 12, Ubuntu 22.04, and later": () => `${root}/usr/bin/fthsummary`,
+    "Fedora 35, Red Hat 9, and later": () => `${root}/fedora/usr/bin/fthsummary`,
+    "any Linux": () => `${archiveOf(tree).replace(/\.tar\.gz$/, "")}/bin/fthsummary`,
+  };
+  for (const [system, program] of Object.entries(installed)) {
+    inPackages(COMMANDS[system]);
+    assert.equal(run(program(), ["--version"]).stdout, version, system);
+  }
+  for (const by of ["Podman", "Docker"]) {
+    inPackages(COMMANDS[`a container, by ${by}`]);
+    const reports = path.join(tree, `reports for ${by}`);
+    fs.cpSync(path.join(tree, "examples/reports/albums"), reports, { recursive: true });
+    const { stdout } = runBlock(sandbox, { marker: "status: 1", text: `cd '${reports}'\n${COMMANDS[by]}` });
+    assert.match(stdout, /^wrote \/reports\/summary\.html /);
+    fs.rmSync(`${root}/image`, { recursive: true });
+  }
+  // Loading and running by each of the two, and nothing that was not tried.
+  assert.equal(Object.keys(COMMANDS).length, Object.keys(installed).length + 4);
+});
 
 for (const document of DOCUMENTS) {
   const blocks = fencedBlocks(document).filter(isRunHere);

@@ -29,6 +29,7 @@ test("the man page has every section that is looked for", () => {
     "NAME",
     "SYNOPSIS",
     "DESCRIPTION",
+    "ENVIRONMENT",
     "FILES",
     "EXIT STATUS",
     "EXAMPLES",
@@ -65,6 +66,11 @@ test("man finds and shows the installed page", (t) => {
   const shown = run("man", ["fthsummary"], { env }).stdout;
   assert.match(shown, /pass\/fail summary of fathomix analyze reports/);
   assert.match(shown, /SECURITY CONSIDERATIONS/);
+});
+
+test("groff has nothing to say about the man page in an ordinary terminal", () => {
+  const env = { MANPAGER: "cat", MANWIDTH: "80" };
+  assert.equal(run("man", ["--warnings", "--local-file", PAGE], { env }).stderr, "");
 });
 
 test("the rendered page shows the quoted characters", () => {

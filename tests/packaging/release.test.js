@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import fs from "node:fs";
 import path from "node:path";
 import { test } from "node:test";
-import { FIRST, run, temporaryFolder } from "./support.js";
+import { FIRST, filesBelow, run, temporaryFolder } from "./support.js";
 
 // A copy with only what the check looks at.
 function releaseCopy(t) {
@@ -28,7 +28,7 @@ function replaceIn(file, pattern, text) {
 test("program, man page, changelog and packages of this tree agree", (t) => {
   const { stdout, stderr } = check(releaseCopy(t), 0);
   assert.equal(stderr, "");
-  assert.equal(stdout.match(/^ok: /gm).length, 9);
+  assert.equal(stdout.match(/^ok: /gm).length, 10);
 });
 
 const DISAGREEMENTS = [
@@ -54,6 +54,21 @@ test("a package of another version is refused", (t) => {
   replaceIn(`${folder}/package/DEBIAN/control`, /^Version: .*$/m, "Version: 1.0");
   run("dpkg-deb", ["--root-owner-group", "-b", `${folder}/package`, `${packages}/${name}`]);
   assert.match(check(folder, 1).stderr, /error: Debian package: '1\.0'/);
+});
+
+test("an RPM of another version is refused", (t) => {
+  const folder = releaseCopy(t);
+  const packages = path.join(folder, "build/packages");
+  const rpm = fs.readdirSync(packages).find((each) => each.endsWith(".rpm"));
+  const sources = `${folder}/other.spec`;
+  fs.writeFileSync(
+    sources,
+    "Name: fthsummary\nVersion: 1.0\nRelease: 1\nSummary: x\nLicense: x\n%description\nx\n%files\n",
+  );
+  run("rpmbuild", ["-bb", "--quiet", "--define", `_topdir ${folder}/rpm`, sources]);
+  const [made] = filesBelow(`${folder}/rpm/RPMS`);
+  fs.copyFileSync(`${folder}/rpm/RPMS/${made}`, `${packages}/${rpm}`);
+  assert.match(check(folder, 1).stderr, /error: RPM: '1\.0'/);
 });
 
 test("an archive that does not match its checksum is refused", (t) => {

@@ -3,9 +3,8 @@
 import assert from "node:assert/strict";
 import { createHash } from "node:crypto";
 import fs from "node:fs";
-import path from "node:path";
 import { test } from "node:test";
-import { FIRST, SECOND, archiveOf, packageOf } from "./support.js";
+import { FIRST, SECOND, archiveOf, builtProgram, imageOf, packageOf, rpmOf } from "./support.js";
 
 function hashOf(file) {
   return createHash("sha256").update(fs.readFileSync(file)).digest("hex");
@@ -16,17 +15,17 @@ test("the two builds are of different folders", () => {
   assert.notEqual(FIRST.length, SECOND.length);
 });
 
-for (const program of ["build/release/fthsummary", "build/static/fthsummary"]) {
-  test(`${program} is the same to the byte`, () => {
-    assert.equal(hashOf(path.join(FIRST, program)), hashOf(path.join(SECOND, program)));
+const MADE = {
+  "the program": (copy) => builtProgram(copy, "release"),
+  "the static program": (copy) => builtProgram(copy, "static"),
+  "the Debian package": packageOf,
+  "the RPM": rpmOf,
+  "the archive": archiveOf,
+  "the archive's checksum": (copy) => `${archiveOf(copy)}.sha256`,
+  "the container image": imageOf,
+};
+for (const [what, fileOf] of Object.entries(MADE)) {
+  test(`${what} is the same to the byte`, () => {
+    assert.equal(hashOf(fileOf(FIRST)), hashOf(fileOf(SECOND)));
   });
 }
-
-test("the Debian package is the same to the byte", () => {
-  assert.equal(hashOf(packageOf(FIRST)), hashOf(packageOf(SECOND)));
-});
-
-test("the archive and its checksum are the same to the byte", () => {
-  assert.equal(hashOf(archiveOf(FIRST)), hashOf(archiveOf(SECOND)));
-  assert.equal(hashOf(`${archiveOf(FIRST)}.sha256`), hashOf(`${archiveOf(SECOND)}.sha256`));
-});

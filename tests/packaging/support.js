@@ -20,6 +20,12 @@ function builtCopy(variable) {
 
 export const FIRST = builtCopy("FTHSUMMARY_FIRST_COPY");
 export const SECOND = builtCopy("FTHSUMMARY_SECOND_COPY");
+// Packages for another processor, made and run as the tests of them name it; else those for
+// this machine.
+export const FOREIGN = process.env.FTHSUMMARY_ARCHITECTURE ?? "";
+const suffix = FOREIGN && `-${FOREIGN}`;
+// The command that runs their programs here.
+export const RUNNER = { "": [], arm64: ["qemu-aarch64-static", "-L", "/usr/aarch64-linux-gnu"] }[FOREIGN];
 export const PROGRAM = path.join(FIRST, "build/release/fthsummary");
 export const STATIC_PROGRAM = path.join(FIRST, "build/static/fthsummary");
 export const EXAMPLES = path.join(FIRST, "examples/reports");
@@ -35,8 +41,12 @@ export function onlyFile(folder, ending) {
   return path.join(folder, names[0]);
 }
 
-export const packageOf = (copy) => onlyFile(path.join(copy, "build/packages"), ".deb");
-export const archiveOf = (copy) => onlyFile(path.join(copy, "build/packages"), ".tar.gz");
+const packageFile = (copy, ending) => onlyFile(path.join(copy, `build/packages${suffix}`), ending);
+export const packageOf = (copy) => packageFile(copy, ".deb");
+export const rpmOf = (copy) => packageFile(copy, ".rpm");
+export const archiveOf = (copy) => packageFile(copy, ".tar.gz");
+export const imageOf = (copy) => packageFile(copy, ".tar");
+export const builtProgram = (copy, preset) => path.join(copy, `build/${preset}${suffix}/fthsummary`);
 
 // Runs a command; its status must be the expected one.
 export function run(command, args, { status = 0, ...options } = {}) {
@@ -55,6 +65,12 @@ export function run(command, args, { status = 0, ...options } = {}) {
     `${command} ${args.join(" ")}: status ${result.status}\n${result.stdout}${result.stderr}`,
   );
   return result;
+}
+
+// A file of YAML; all that is no list and no mapping is a string.
+export function parseYaml(file) {
+  const script = "import json, sys, yaml; print(json.dumps(yaml.load(sys.stdin, yaml.BaseLoader)))";
+  return JSON.parse(run("/usr/bin/python3", ["-c", script], { input: read(file) }).stdout);
 }
 
 // The same with the rights of root: as it is for root, else in a user namespace.
@@ -96,10 +112,11 @@ export function matchJson(file) {
   return validate.errors ?? [];
 }
 
-// Runs the program with --json; the page is folder/index.html. Returns the JSON
-// summary, which must follow the schema.
-export function summarise(input, folder, { program = PROGRAM, status = 1 } = {}) {
-  run(program, ["--input", input, "-o", `${folder}/index.html`, "--json"], { status });
+// Runs the program with --json, by the runner if it is another processor's; the page is
+// folder/index.html. Returns the JSON summary, which must follow the schema.
+export function summarise(input, folder, { program = PROGRAM, runner = [], status = 1 } = {}) {
+  const [command, ...args] = [...runner, program];
+  run(command, [...args, "--input", input, "-o", `${folder}/index.html`, "--json"], { status });
   assert.deepEqual(matchJson(`${folder}/index.json`), []);
   return JSON.parse(read(folder, "index.json"));
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <string>
@@ -11,6 +12,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -136,16 +138,6 @@ private:
     dirent given_ = {};
     Interception<dirent*, DIR*> readdir_;
 };
-
-// How many descriptors below limit are in use. Others may have been inherited.
-std::size_t open_descriptors(rlim_t limit = 1024)
-{
-    std::size_t count = 0;
-    for (int descriptor = 0; static_cast<rlim_t>(descriptor) < limit; ++descriptor) {
-        count += fcntl(descriptor, F_GETFD) != -1 ? 1U : 0U;
-    }
-    return count;
-}
 
 // Files whose path may be longer than a system call takes.
 void make_files_in(const std::string& folder, const Paths& names)
@@ -533,9 +525,9 @@ TEST(ScanReports, OfADeepTreeWith64DescriptorsEndsNormallyWithWhatItCouldOpen)
     EXPECT_EQ(walk_deep_tree(DEEP_LEVELS, 64), 0);
 }
 
-TEST(ScanReports, ListsTheSameWhereTheListingTellsNoTypes)
+TEST(ScanReports, ListsTheSameWhateverAListingSaysThatIsNotBelieved)
 {
-    const TempFolder temp;
+    const TempFolder temp(folder_in_memory());
     temp.write("r.html", "");
     temp.write("notes.txt", "");
     temp.write("page.html", "");
@@ -548,9 +540,23 @@ TEST(ScanReports, ListsTheSameWhereTheListingTellsNoTypes)
     temp.make_fifo("fifo.html");
     const Paths expected = {"a/b/deep.htm", "a/page.html", "fifo.html", "folderlink/deep.htm",
                             "r.html"};
-    EXPECT_EQ(sorted(listed(temp.path(), temp.path("page.html"))), expected);
-    const UnknownEntryTypes types;
-    EXPECT_EQ(sorted(listed(temp.path(), temp.path("page.html"))), expected);
+    const auto expect_same_where_told = [&](const std::function<ListedTypes::Type(int)>& type) {
+        const ListedTypes types(type);
+        EXPECT_EQ(sorted(listed(temp.path(), temp.path("page.html"))), expected) << type(DT_LNK);
+    };
+    expect_same_where_told([](int type) { return type; });
+    expect_same_where_told([](int) { return DT_UNKNOWN; });
+    for (const int answer : {0, -1}) {
+        const Interception fuse(fstatfs_call, [&](const auto&, int, struct statfs* status) {
+            status->f_type = answer == 0 ? FUSE_SUPER_MAGIC : TMPFS_MAGIC;
+            return answer;
+        });
+        expect_same_where_told([](int type) { return type == DT_LNK ? DT_REG : type; });
+        expect_same_where_told([](int type) { return type == DT_DIR ? DT_UNKNOWN : type; });
+        for (const int told : {DT_UNKNOWN, DT_REG, DT_DIR, DT_LNK, DT_FIFO}) {
+            expect_same_where_told([told](int) { return told; });
+        }
+    }
 }
 
 TEST(ScanReports, ListsALinkWhoseCanonicalPathCannotBeTold)

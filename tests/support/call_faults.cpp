@@ -50,11 +50,11 @@ ShortTransfers::ShortTransfers(std::size_t limit)
 {
 }
 
-UnknownEntryTypes::UnknownEntryTypes()
-    : readdir_(readdir_call, [](const auto& next, DIR* listing) {
+ListedTypes::ListedTypes(std::function<Type(Type)> type_told)
+    : readdir_(readdir_call, [type_told = std::move(type_told)](const auto& next, DIR* listing) {
           dirent* entry = next(listing);
           if (entry != nullptr) {
-              entry->d_type = DT_UNKNOWN;
+              entry->d_type = type_told(entry->d_type);
           }
           return entry;
       })

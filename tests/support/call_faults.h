@@ -110,11 +110,13 @@ private:
     Interception<ssize_t, int, const void*, std::size_t> write_;
 };
 
-// Every entry of a listing is of unknown type, as on some file systems.
-class UnknownEntryTypes
+// Listings tell another type than an entry has, as on some file systems.
+class ListedTypes
 {
 public:
-    UnknownEntryTypes();
+    using Type = unsigned char; // DT_REG and the like
+
+    explicit ListedTypes(std::function<Type(Type)> type_told);
 
 private:
     Interception<dirent*, DIR*> readdir_;

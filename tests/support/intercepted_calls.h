@@ -19,8 +19,10 @@
 #include <utility>
 
 #include <dirent.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/vfs.h>
 
 template <typename Signature>
 struct InterceptedCall;
@@ -50,6 +52,8 @@ extern InterceptedCall<int(int, int)> mallopt_call;
 
 // Files.
 extern InterceptedCall<int(const char*, int, mode_t)> open_call; // mode 0 without O_CREAT
+extern InterceptedCall<int(int, struct stat*)> fstat_call;
+extern InterceptedCall<int(int, off_t, off_t, int)> posix_fadvise_call; // the error's number
 extern InterceptedCall<off_t(int, off_t, int)> lseek_call;
 extern InterceptedCall<ssize_t(int, void*, std::size_t, off_t)> pread_call;
 extern InterceptedCall<ssize_t(int, const void*, std::size_t)> write_call;
@@ -59,7 +63,9 @@ extern InterceptedCall<int(int)> close_call;
 extern InterceptedCall<DIR*(const char*)> opendir_call;
 extern InterceptedCall<dirent*(DIR*)> readdir_call;
 extern InterceptedCall<int(DIR*)> closedir_call;
+extern InterceptedCall<int(int, struct statfs*)> fstatfs_call;
 extern InterceptedCall<int(const char*, struct stat*)> stat_call;
+extern InterceptedCall<int(const char*, struct stat*)> lstat_call;
 extern InterceptedCall<int(const char*, mode_t)> mkdir_call;
 extern InterceptedCall<char*(const char*, char*)> realpath_call;
 
@@ -68,8 +74,15 @@ extern InterceptedCall<char*(const char*, char*)> realpath_call;
 extern InterceptedCall<int(char*, std::size_t, const char*, va_list)> format_call;
 extern InterceptedCall<std::size_t(std::FILE*, std::string_view)> print_call;
 extern InterceptedCall<std::time_t(std::time_t*)> time_call;
+extern InterceptedCall<int(int, rusage*)> getrusage_call;
 extern InterceptedCall<std::tm*(const std::time_t*, std::tm*)> gmtime_r_call;
 extern InterceptedCall<std::size_t(char*, std::size_t, const char*, const std::tm*)> strftime_call;
+
+// Terminals, and the clock that only goes forward.
+extern InterceptedCall<int(int)> isatty_call;
+extern InterceptedCall<pid_t(int)> tcgetpgrp_call;
+extern InterceptedCall<int(int, unsigned long, void*)> ioctl_call;
+extern InterceptedCall<int(clockid_t, timespec*)> clock_gettime_call;
 
 // The name by which the linker knows the call that is being made: "__snprintf_chk", say.
 const char* called_name();

@@ -178,6 +178,15 @@ ProcessResult run_fthsummary(const std::vector<std::string>& arguments,
     return run_process(fthsummary_program(), arguments, options);
 }
 
+std::size_t open_descriptors(std::size_t limit)
+{
+    std::size_t count = 0;
+    for (std::size_t descriptor = 0; descriptor < limit; ++descriptor) {
+        count += fcntl(static_cast<int>(descriptor), F_GETFD) != -1 ? 1U : 0U;
+    }
+    return count;
+}
+
 int run_unprivileged(const std::function<int()>& body)
 {
     return run_in_child(become_ordinary_user, body);

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -36,6 +37,9 @@ const std::string& fthsummary_program();
 // Runs it.
 ProcessResult run_fthsummary(const std::vector<std::string>& arguments,
                              const ProcessOptions& options = {});
+
+// How many descriptors below limit are in use. Others may have been inherited.
+std::size_t open_descriptors(std::size_t limit = 1024);
 
 // What the two below return instead of body's result: body threw something (which is
 // told on standard error), or the child could not be set up for it.

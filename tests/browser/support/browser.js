@@ -7,17 +7,17 @@ import { createServer } from "node:net";
 import { dirname, join } from "node:path";
 import { after, test as plainTest } from "node:test";
 
+import { inAttempts } from "./attempts.js";
 import { Page } from "./page.js";
-import { pageWith } from "./program.js";
+import { BLANK_PAGE, pageWith } from "./program.js";
 
 export const BROWSER = process.env.FTHSUMMARY_BROWSER ?? "chromium";
 const NAMES = ["chromium", "firefox", "webkit"];
 assert.ok(NAMES.includes(BROWSER), `FTHSUMMARY_BROWSER must be one of ${NAMES.join(", ")}`);
-const { CANNOT, LISTENER, launch } = await import(`./${BROWSER}.js`);
+const { CANNOT, FIXED_SETTINGS, LISTENER, launch } = await import(`./${BROWSER}.js`);
 
 // For what a loaded machine may take long to do; nothing is judged by it.
 const PATIENCE_MS = 120_000;
-const ATTEMPTS_TO_START = 3;
 
 /** What the browser asked a network for. It has questions of its own, which no page makes it ask. */
 export const asked = [];
@@ -44,15 +44,7 @@ function startProxy() {
 
 async function startBrowser() {
   const proxy = await startProxy();
-  for (let attempt = 1; ; attempt += 1) {
-    try {
-      return await launch({ proxy, patience: PATIENCE_MS });
-    } catch (error) {
-      if (attempt === ATTEMPTS_TO_START) {
-        throw error;
-      }
-    }
-  }
+  return inAttempts(BROWSER, () => launch({ proxy, patience: PATIENCE_MS }));
 }
 
 // One browser for all tests of a process.
@@ -92,6 +84,88 @@ const DEFAULTS = {
   until: "load",
 };
 
+// To open a window takes longer than most tests: those that wait for the next test, by the
+// settings that they cannot change.
+const windows = new Map();
+
+async function windowFor(settings, seen) {
+  started ??= startBrowser();
+  const browser = await started;
+  const kind = FIXED_SETTINGS.map((name) => settings[name]).join();
+  const tab = windows.get(kind);
+  windows.delete(kind);
+  if (tab) {
+    tab.seen = seen;
+    await tab.set(settings);
+  }
+  return { kind, tab: tab ?? (await browser.newTab(settings, seen)) };
+}
+
+/** Forgets what pages stored; false where the page does not let it. */
+const FORGET = `(() => {
+  try {
+    localStorage.clear();
+    return true;
+  } catch {
+    return false;
+  }
+})()`;
+
+/** Leaves a window as if no test had used it. A page that a test has changed does not stay in it. */
+async function leaveWindow(page, kind, isChanged) {
+  if (page.hasMouse) {
+    await page.moveMouse(0, 0);
+  }
+  if (isChanged || !(await page.evaluate(FORGET))) {
+    await page.open(BLANK_PAGE);
+    await page.evaluate(FORGET);
+  }
+  windows.set(kind, page.tab);
+}
+
+// The page that lookAt() left open: its key, its window's kind and the page.
+let watched;
+
+async function stopLooking() {
+  const { kind, page } = watched ?? {};
+  watched = undefined;
+  if (page) {
+    await leaveWindow(page, kind, false);
+  }
+}
+
+async function openPage(target, { scripts, ...settings }) {
+  const seen = { errors: [], requests: [] };
+  const { kind, tab } = await windowFor(settings, seen);
+  const page = new Page(tab, seen, PATIENCE_MS);
+  try {
+    if (settings.until === "start") {
+      // Else a look at what has come could be one at the last page.
+      await page.open(BLANK_PAGE);
+      seen.requests.length = 0;
+    }
+    await page.open(withScripts(target, LISTENER ? [[LISTENER], ...scripts] : scripts), settings);
+    return { kind, page };
+  } catch (error) {
+    await tab.close();
+    throw error;
+  }
+}
+
+/** Hands the page to the body and checks that it stayed silent; closes its window if not. */
+async function usePage(page, body) {
+  try {
+    await body(page);
+    await page.tab.collect?.();
+    assertSilent(page.seen);
+  } catch (error) {
+    await page.tab.close();
+    throw error;
+  } finally {
+    asked.length = 0;
+  }
+}
+
 /**
  * Opens a file or a URL, hands its page to the body and checks that it stayed silent.
  * Options beside the window's width and height: colorScheme, reducedMotion, scripting
@@ -100,21 +174,32 @@ const DEFAULTS = {
  * the page is still coming.
  */
 export async function withPage(target, options, body) {
-  const { scripts, ...rest } = { ...DEFAULTS, ...options };
-  started ??= startBrowser();
-  const browser = await started;
-  const seen = { errors: [], requests: [] };
-  const tab = await browser.newTab(rest, seen);
+  await stopLooking();
+  const all = { ...DEFAULTS, ...options };
+  const { kind, page } = await openPage(target, all);
+  await usePage(page, body);
+  await leaveWindow(page, kind, all.scripts.length > 0 || all.until === "start");
+}
+
+/**
+ * The same for a body that leaves the page as it finds it, and options that an open page can
+ * follow. If that page was looked at last, it is still open.
+ */
+export async function lookAt(target, options, body) {
+  const all = { ...DEFAULTS, ...options };
+  const key = `${target} ${all.scripting}`;
+  if (watched?.key === key) {
+    await watched.page.tab.set(all);
+  } else {
+    await stopLooking();
+    watched = { key, ...(await openPage(target, all)) };
+  }
+  const { page } = watched;
   try {
-    const page = new Page(tab, seen, PATIENCE_MS);
-    const heard = LISTENER ? [[LISTENER], ...scripts] : scripts;
-    await page.open(withScripts(target, heard), { until: rest.until });
-    await body(page);
-    await tab.collect?.();
-    assertSilent(seen);
-  } finally {
-    asked.length = 0;
-    await tab.close();
+    await usePage(page, body);
+  } catch (error) {
+    watched = undefined;
+    throw error;
   }
 }
 

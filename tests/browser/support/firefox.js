@@ -1,20 +1,24 @@
 // The stock Firefox ESR through WebDriver BiDi. What that protocol lacks, colour scheme,
 // media and scripting, is set in the browser's own window, which sees every tab.
 
-import { mkdtempSync, rmSync } from "node:fs";
-import { tmpdir } from "node:os";
-import { join } from "node:path";
-
 import puppeteer from "puppeteer-core";
+
+import { newFolder } from "./program.js";
 
 export const CANNOT = {};
 
+/** The settings that a window keeps as long as it is open: none. */
+export const FIXED_SETTINGS = [];
+
 const EXECUTABLE = "/usr/bin/firefox-esr";
+
+let ownWindow;
 
 /** Runs an expression in the browser's own window. */
 async function inBrowser(browser, expression) {
   const send = async (method, parameters) => (await browser.connection.send(method, parameters)).result;
-  const { contexts } = await send("browsingContext.getTree", { "moz:scope": "chrome", maxDepth: 0 });
+  ownWindow ??= send("browsingContext.getTree", { "moz:scope": "chrome", maxDepth: 0 });
+  const { contexts } = await ownWindow;
   const outcome = await send("script.evaluate", {
     expression,
     target: { context: contexts[0].context },
@@ -43,79 +47,126 @@ function setMedia(browser, settings) {
   );
 }
 
-function watch(page, seen) {
+function watch(page, tab) {
   // Names of files that are not UTF-8 stand in the page as they are.
   page.on("pageerror", (error) => {
     if (!error.message.startsWith("The byte stream was erroneous")) {
-      seen.errors.push(String(error));
+      tab.seen.errors.push(String(error));
     }
   });
-  page.on("console", (message) => seen.errors.push(message.text()));
+  page.on("console", (message) => tab.seen.errors.push(message.text()));
   page.on("dialog", (dialog) => {
-    seen.errors.push(`dialog: ${dialog.message()}`);
+    tab.seen.errors.push(`dialog: ${dialog.message()}`);
     dialog.dismiss();
   });
-  page.on("request", (request) => seen.requests.push(request.url()));
+  page.on("request", (request) => tab.seen.requests.push(request.url()));
 }
 
-async function newTab(browser, options, seen, patience) {
-  const { width, height, colorScheme, reducedMotion, scripting, storage } = options;
-  const context = await browser.createBrowserContext();
-  const page = await context.newPage();
-  page.setDefaultTimeout(patience);
-  watch(page, seen);
-  await page.setViewport({ width, height });
-  await setMedia(browser, { colorScheme, reducedMotion, scripting, storage });
-  const send = (method, parameters) =>
-    browser.connection.send(method, { context: page.mainFrame()._id, ...parameters });
-  return {
-    open: (url, { until }) =>
-      until === "load"
-        ? page.goto(url)
-        : send("browsingContext.navigate", { url, wait: "none" }),
-    reload: () => page.reload(),
-    evaluate: (expression) => page.evaluate(expression),
-    resize: (size) => page.setViewport(size),
-    setMedia: (media) => setMedia(browser, media),
-    moveMouse: (x, y) => page.mouse.move(x, y),
-    async click(x, y, { button, count, modifiers }) {
-      for (const key of modifiers) {
-        await page.keyboard.down(key);
-      }
-      await page.mouse.click(x, y, { button, count });
-      for (const key of modifiers) {
-        await page.keyboard.up(key);
-      }
-    },
-    async press(names) {
-      const keys = names.map((name) => (name === "Space" ? " " : name));
+class Tab {
+  /** Opens a window with these settings, which tells what it hears. */
+  static async start(browser, settings, seen, patience) {
+    const tab = new Tab();
+    Object.assign(tab, { browser, seen });
+    tab.context = await browser.createBrowserContext();
+    tab.page = await tab.context.newPage();
+    tab.page.setDefaultTimeout(patience);
+    watch(tab.page, tab);
+    await tab.set(settings);
+    return tab;
+  }
+
+  /** Makes the window as it is for a test that begins. */
+  async set({ width, height, colorScheme, reducedMotion, scripting, storage }) {
+    await this.resize({ width, height });
+    await this.setMedia({ colorScheme, reducedMotion, scripting, storage, media: "screen" });
+  }
+
+  open(url, { until }) {
+    if (until === "load") {
+      return this.page.goto(url);
+    }
+    const context = this.page.mainFrame()._id;
+    return this.browser.connection.send("browsingContext.navigate", { context, url, wait: "none" });
+  }
+
+  reload() {
+    return this.page.reload();
+  }
+
+  evaluate(expression) {
+    return this.page.evaluate(expression);
+  }
+
+  async resize(size) {
+    const { width, height } = this.page.viewport() ?? {};
+    if (width !== size.width || height !== size.height) {
+      await this.page.setViewport(size);
+    }
+  }
+
+  setMedia(media) {
+    return setMedia(this.browser, media);
+  }
+
+  moveMouse(x, y) {
+    return this.page.mouse.move(x, y);
+  }
+
+  async click(x, y, { button, count, modifiers }) {
+    const { keyboard, mouse } = this.page;
+    for (const key of modifiers) {
+      await keyboard.down(key);
+    }
+    await mouse.click(x, y, { button, count });
+    for (const key of modifiers) {
+      await keyboard.up(key);
+    }
+  }
+
+  async press(names, times) {
+    const { keyboard } = this.page;
+    const keys = names.map((name) => (name === "Space" ? " " : name));
+    for (let count = 0; count < times; count += 1) {
       for (const key of keys) {
-        await page.keyboard.down(key);
+        await keyboard.down(key);
       }
-      for (const key of keys.reverse()) {
-        await page.keyboard.up(key);
+      for (const key of [...keys].reverse()) {
+        await keyboard.up(key);
       }
-    },
-    screenshot: async () => Buffer.from(await page.screenshot()),
-    pdf: async () => Buffer.from(await page.pdf()),
-    tabCount: async () => (await context.pages()).length,
-    close: () => context.close(),
-  };
+    }
+  }
+
+  async screenshot() {
+    return Buffer.from(await this.page.screenshot());
+  }
+
+  async pdf() {
+    return Buffer.from(await this.page.pdf());
+  }
+
+  async tabCount() {
+    return (await this.context.pages()).length;
+  }
+
+  close() {
+    return this.context.close();
+  }
 }
 
 /** Starts the browser. */
 export async function launch({ proxy, patience }) {
   // A home of its own: Firefox does not start in one that belongs to somebody else.
-  const home = mkdtempSync(join(tmpdir(), "fthsummary-firefox-"));
   const { hostname, port } = new URL(proxy);
   const browser = await puppeteer.launch({
     browser: "firefox",
     executablePath: EXECUTABLE,
     args: ["--remote-allow-system-access"],
-    env: { ...process.env, HOME: home },
+    env: { ...process.env, HOME: newFolder() },
     timeout: patience,
     protocolTimeout: patience,
     extraPrefsFirefox: {
+      // No page that was left is kept.
+      "browser.sessionhistory.max_total_viewers": 0,
       // Scroll bars that take no room, as in the other browsers' windows.
       "ui.useOverlayScrollbars": 1,
       "dom.security.https_first": false,
@@ -127,10 +178,7 @@ export async function launch({ proxy, patience }) {
     },
   });
   return {
-    newTab: (options, seen) => newTab(browser, options, seen, patience),
-    async close() {
-      await browser.close();
-      rmSync(home, { recursive: true, force: true });
-    },
+    newTab: (settings, seen) => Tab.start(browser, settings, seen, patience),
+    close: () => browser.close(),
   };
 }

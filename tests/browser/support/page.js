@@ -12,6 +12,9 @@ function call(run, parameters) {
 }
 
 export class Page {
+  /** Whether the mouse was brought into the page. */
+  hasMouse = false;
+
   /** What the page did so far: seen.errors (console and dialogs as well) and seen.requests. */
   constructor(tab, seen, patience) {
     Object.assign(this, { tab, seen, patience });
@@ -93,14 +96,25 @@ export class Page {
   }
 
   /** Computed values of an element, or of its pseudo-element, by property name. */
-  computed(selector, names, pseudo = null) {
-    return this.$eval(
-      selector,
-      `(element) => {
-        const style = getComputedStyle(element, ${JSON.stringify(pseudo)});
-        const values = ${JSON.stringify(names)}.map((name) => [name, style.getPropertyValue(name)]);
-        return Object.fromEntries(values);
-      }`,
+  async computed(selector, names, pseudo) {
+    const [values] = await this.computedAll([[selector, names]], pseudo);
+    return values;
+  }
+
+  /** The same of several elements in one answer: a list of [selector, names] gives a list. */
+  computedAll(wanted, pseudo = null) {
+    return this.evaluate(
+      (list, part) =>
+        list.map(([selector, names]) => {
+          const element = document.querySelector(selector);
+          if (!element) {
+            throw new Error(`nothing matches ${selector}`);
+          }
+          const style = getComputedStyle(element, part);
+          return Object.fromEntries(names.map((name) => [name, style.getPropertyValue(name)]));
+        }),
+      wanted,
+      pseudo,
     );
   }
 
@@ -141,20 +155,22 @@ export class Page {
   /** Presses a mouse button on an element: { index, button, count, modifiers }. */
   async click(selector, { index = 0, button = "left", count = 1, modifiers = [] } = {}) {
     const [x, y] = await this.#pointIn(selector, index);
+    this.hasMouse = true;
     await this.tab.click(x, y, { button, count, modifiers });
   }
 
   async hover(selector) {
-    await this.tab.moveMouse(...(await this.#pointIn(selector, 0)));
+    await this.moveMouse(...(await this.#pointIn(selector, 0)));
   }
 
   moveMouse(x, y) {
+    this.hasMouse = true;
     return this.tab.moveMouse(x, y);
   }
 
-  /** Presses a key: "Tab", "Shift+Tab", "Enter", "Space", "Control+Enter", ... */
-  press(keys) {
-    return this.tab.press(keys.split("+"));
+  /** Presses a key so many times: "Tab", "Shift+Tab", "Enter", "Space", "Control+Enter", ... */
+  press(keys, times = 1) {
+    return this.tab.press(keys.split("+"), times);
   }
 
   resize(width, height = 800) {

@@ -12,8 +12,15 @@ export const SOURCE_FOLDER = fileURLToPath(new URL("../../..", import.meta.url))
 const PROGRAM = resolve(SOURCE_FOLDER, process.env.FTHSUMMARY ?? "build/checked/fthsummary");
 
 const folders = [];
-process.on("exit", () => {
+function removeFolders() {
   folders.forEach((folder) => rmSync(folder, { recursive: true, force: true }));
+}
+process.on("exit", removeFolders);
+process.once("SIGTERM", () => {
+  // After the browsers, which are ended at exit, too, and write into them.
+  process.removeListener("exit", removeFolders);
+  process.on("exit", removeFolders);
+  process.exit(128 + 15);
 });
 
 /** A new empty folder, removed when the tests of this file have ended. */
@@ -22,6 +29,10 @@ export function newFolder() {
   folders.push(folder);
   return folder;
 }
+
+/** A page with nothing in it. */
+export const BLANK_PAGE = join(newFolder(), "blank.html");
+writeFileSync(BLANK_PAGE, "<!doctype html>\n");
 
 /**
  * Writes files below a folder and returns the folder. Each is [path, content], both

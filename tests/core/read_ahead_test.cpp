@@ -1,0 +1,292 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "core/read_ahead.h"
+#include "support/call_faults.h"
+#include "support/process.h"
+#include "support/temp_folder.h"
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+
+namespace {
+
+constexpr std::size_t FILES = 200;
+constexpr std::int64_t SECOND = 1'000'000'000;
+const std::string UNREADABLE = "(unreadable)";
+
+std::string name_of(std::size_t index)
+{
+    return std::to_string(index) + ".html";
+}
+
+// Files of which each holds its own name, and a system that says how long reading takes.
+class Reading : public testing::Test
+{
+protected:
+    Reading()
+        : temp(folder_in_memory()),
+          usage_(getrusage_call,
+                 [this](const auto&, int, rusage* usage) {
+                     *usage = {};
+                     usage->ru_inblock = static_cast<long>(read.size() * blocks_a_file);
+                     usage->ru_utime.tv_sec = static_cast<time_t>(read.size() * computed_a_file);
+                     return 0;
+                 }),
+          clock_(clock_gettime_call,
+                 [this](const auto&, clockid_t, timespec* now) {
+                     const std::int64_t passed =
+                         static_cast<std::int64_t>(read.size()) * passed_a_file;
+                     *now = {passed / SECOND, passed % SECOND};
+                     return 0;
+                 }),
+          open_(open_call,
+                [this](const auto& next, const char* path, int flags, mode_t mode) {
+                    const std::string name = fs::path(path).filename();
+                    opened[name].push_back(read.size());
+                    const int file = next(path, flags, mode);
+                    most = std::max(most, open_descriptors() - before);
+                    return file;
+                }),
+          advise_(posix_fadvise_call, [this](const auto&, int, off_t, off_t length, int advice) {
+              EXPECT_EQ(advice, POSIX_FADV_WILLNEED);
+              asked.push_back(length);
+              return EINVAL;
+          })
+    {
+        for (std::size_t i = 0; i < FILES; ++i) {
+            names.push_back(name_of(i));
+            temp.write(name_of(i), name_of(i));
+        }
+    }
+
+    // Reads all files, or the first ones, each after at has been told its index. All but
+    // these must hold what they did.
+    void read_files(
+        const std::map<std::size_t, std::string>& others = {},
+        const std::function<void(std::size_t)>& at = [](std::size_t) {}, std::size_t count = FILES)
+    {
+        std::vector<const char*> paths;
+        for (const std::string& name : names) {
+            paths.push_back(name.c_str());
+        }
+        const std::string folder = temp.path();
+        before = open_descriptors();
+        ReadAhead ahead;
+        read_ahead_init(ahead, folder.c_str(), paths.data(), paths.size());
+        while (read.size() < count) {
+            at(read.size());
+            char* contents = nullptr;
+            const bool complete =
+                read_ahead_file(ahead, temp.path(names[read.size()]).c_str(), contents);
+            read.emplace_back(complete ? contents : UNREADABLE);
+            std::free(contents);
+        }
+        read_ahead_free(ahead);
+        EXPECT_EQ(open_descriptors(), before);
+        for (std::size_t i = 0; i < count; ++i) {
+            EXPECT_EQ(read[i], others.count(i) > 0 ? others.at(i) : names[i]) << i;
+        }
+    }
+
+    // How many files were opened before their turn.
+    std::size_t ahead() const
+    {
+        return static_cast<std::size_t>(std::ranges::count_if(names, [&](const std::string& name) {
+            const auto found = opened.find(name);
+            return found != opened.end() && names[found->second.front()] != name;
+        }));
+    }
+
+    TempFolder temp;
+    std::vector<std::string> names;
+    std::size_t blocks_a_file = 0;
+    std::size_t computed_a_file = 0;                        // seconds
+    std::int64_t passed_a_file = 0;                         // nanoseconds
+    std::vector<std::string> read;                          // contents so far
+    std::map<std::string, std::vector<std::size_t>> opened; // when: files read until then
+    std::vector<off_t> asked;
+    std::size_t before = 0; // descriptors in use
+    std::size_t most = 0;   // that reading used at a time
+
+private:
+    Interception<int, int, rusage*> usage_;
+    Interception<int, clockid_t, timespec*> clock_;
+    Interception<int, const char*, int, mode_t> open_;
+    Interception<int, int, off_t, off_t, int> advise_;
+};
+
+using ReadAheadFile = Reading;
+
+} // namespace
+
+TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
+{
+    computed_a_file = 1;
+    passed_a_file = SECOND + READ_AHEAD_SLOW;
+    const std::uint64_t calls = stat_call.made + fstat_call.made;
+    const std::uint64_t looks = getrusage_call.made;
+    read_files();
+    EXPECT_EQ(ahead(), 0U);
+    EXPECT_EQ(most, 1U);
+    EXPECT_EQ(stat_call.made + fstat_call.made, calls);
+    EXPECT_EQ(getrusage_call.made - looks, 2 + FILES / READ_AHEAD_LOOK_EVERY);
+}
+
+TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
+{
+    blocks_a_file = 1;
+    read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 2 ? 1 : 0; });
+    for (std::size_t i = 2; i < FILES; ++i) {
+        const std::uint64_t first_ahead =
+            std::max<std::uint64_t>(i, READ_AHEAD_FILES + 1) - READ_AHEAD_FILES;
+        const bool quick = i >= 2 * READ_AHEAD_LOOK_EVERY + READ_AHEAD_FILES + 1;
+        EXPECT_THAT(opened[names[i]], ElementsAre(quick ? i : first_ahead)) << i;
+    }
+    EXPECT_EQ(most, READ_AHEAD_FILES + 1);
+    EXPECT_EQ(asked.size(), ahead());
+    EXPECT_THAT(std::vector(asked.begin(), asked.begin() + 1), ElementsAre(names[2].size()));
+}
+
+TEST_F(ReadAheadFile, OpensAheadWhereTheTimePassesWithoutComputing)
+{
+    computed_a_file = 1;
+    passed_a_file = SECOND + READ_AHEAD_SLOW + 1;
+    read_files();
+    EXPECT_EQ(ahead(), FILES - 2);
+}
+
+// What it held, what it is, whether it may be read, and where its path leads.
+TEST_F(ReadAheadFile, GivesWhatAFileThatChangesMeanwhileHoldsInItsTurn)
+{
+    blocks_a_file = 1;
+    temp.write("one/x.html", "one");
+    temp.write("two/x.html", "two");
+    temp.link("one", "now");
+    names[80] = "now/x.html";
+    const auto change = [&](std::size_t index) {
+        if (index != 50) {
+            return;
+        }
+        fs::remove(temp.path(names[70]));
+        temp.write("new", "new");
+        fs::rename(temp.path("new"), temp.path(names[71]));
+        temp.write(names[72], "longer than before");
+        fs::resize_file(temp.path(names[73]), 0);
+        fs::remove(temp.path(names[74]));
+        temp.make_fifo(names[74]);
+        temp.chmod(names[75], 0400);
+        fs::remove(temp.path("now"));
+        temp.link("two", "now");
+    };
+    read_files({{70, UNREADABLE},
+                {71, "new"},
+                {72, "longer than before"},
+                {73, ""},
+                {74, UNREADABLE},
+                {80, "two"}},
+               change);
+    EXPECT_THAT(opened[names[75]], ElementsAre(43, 75)) << "its rights may have gone";
+}
+
+TEST_F(ReadAheadFile, OpensNothingAheadThatIsNoPlainFile)
+{
+    blocks_a_file = 1;
+    for (const std::size_t index : {60U, 61U, 62U}) {
+        fs::remove(temp.path(names[index]));
+    }
+    temp.make_fifo(names[60]);
+    temp.link("/dev/null", names[61]);
+    temp.make_folder(names[62]);
+    // It becomes one when it has been examined.
+    const Interception examined(stat_call, [&](const auto& next, const char* path, auto* status) {
+        const int result = next(path, status);
+        if (path == temp.path(names[63]) && read.size() < 60) {
+            fs::remove(path);
+            temp.make_fifo(names[63]);
+        }
+        return result;
+    });
+    read_files({{60, UNREADABLE}, {61, ""}, {62, UNREADABLE}, {63, UNREADABLE}});
+    for (const std::size_t index : {60U, 61U, 62U}) {
+        EXPECT_THAT(opened[names[index]], ElementsAre(index));
+    }
+    EXPECT_THAT(opened[names[63]], ElementsAre(31, 63));
+}
+
+TEST_F(ReadAheadFile, DoesNotWaitForAFileThatCannotBeHadAtOnce)
+{
+    blocks_a_file = 1;
+    const CallFault lease(open_call, 10, -1, EWOULDBLOCK);
+    read_files();
+    EXPECT_EQ(lease.failures(), 1U);
+    EXPECT_EQ(ahead(), FILES - 3);
+}
+
+// The files ahead hold the last descriptors; a file that was not there then needs one.
+TEST_F(ReadAheadFile, ClosesWhatIsAheadBeforeAFileIsUnreadableForWantOfDescriptors)
+{
+    for (const int error : {EMFILE, ENFILE, EACCES}) {
+        read.clear();
+        blocks_a_file = 1;
+        fs::remove(temp.path(names[100]));
+        std::optional<CallFault<int, const char*, int, mode_t>> fault;
+        const std::string expected = error == EACCES ? UNREADABLE : names[100];
+        read_files({{100, expected}}, [&](std::size_t index) {
+            if (index == 100) {
+                temp.write(names[100], names[100]);
+                fault.emplace(open_call, 1, -1, error);
+            }
+        });
+        EXPECT_EQ(fault->failures(), 1U);
+    }
+}
+
+TEST_F(ReadAheadFile, ReadsAllWithOneDescriptorAndWithFew)
+{
+    blocks_a_file = 1;
+    for (const rlim_t more : {1U, 2U, 5U}) {
+        const int status = run_unprivileged([&] {
+            close_range(3, ~0U, 0);
+            const rlimit files = {3 + more, 3 + more};
+            setrlimit(RLIMIT_NOFILE, &files);
+            read_files();
+            return read == names && most == more ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << more;
+    }
+}
+
+TEST_F(ReadAheadFile, HasSoManyBytesOnTheirWayAtMost)
+{
+    blocks_a_file = 1;
+    constexpr off_t HUGE_SIZE = off_t{3} << 30;
+    const Interception sizes(fstat_call, [&](const auto& next, int file, struct stat* status) {
+        const int result = next(file, status);
+        status->st_size = asked.size() % 2 == 0 ? HUGE_SIZE : READ_AHEAD_BYTES / 2;
+        return result;
+    });
+    read_files();
+    EXPECT_EQ(most, 3U) << "the one that is read, and two ahead";
+    EXPECT_LE(*std::ranges::max_element(asked), off_t{READ_AHEAD_BYTES});
+}
+
+TEST_F(ReadAheadFile, IsClosedWhenReadingEndsEarly)
+{
+    blocks_a_file = 1;
+    read_files(
+        {}, [](std::size_t) {}, 40);
+    EXPECT_GT(most, 1U);
+}
