@@ -130,7 +130,7 @@ function pressTimes(browser, path) {
 }
 
 async function measurePresses(browser, name, what, path) {
-  const ceiling = name === "chromium" ? PRESS_CEILING_MS : null;
+  const ceiling = name === "webkit" ? null : PRESS_CEILING_MS;
   for (const [place, times] of Object.entries(await pressTimes(browser, path))) {
     const measure = `press near the ${place} page, ${what}`;
     report(`${measure}, milliseconds`, name, median(times), null);
