@@ -108,3 +108,11 @@ TEST_F(MemoryStages, FollowOneAnotherAsTheMemoryGrows)
                                                 write_message("s.html"), write_message("s.json"),
                                                 "complete"}));
 }
+
+// Each lists everything once more for each that was followed before it.
+TEST_F(MemoryStages, EndARunOverLinksWhoseLoopsMultiply)
+{
+    temp.link(".", "in/one");
+    temp.link(".", "in/two");
+    expect_run(run_with("in", PLENTY), 1, "", input_message("in"));
+}
