@@ -59,8 +59,7 @@ std::uint64_t terminal_columns()
     return is_told ? size.ws_col : USUAL_COLUMNS;
 }
 
-// Not through the stream, which the messages use: what it could not write, it would
-// remember. Text that the terminal does not take is lost.
+// In one call, so that nobody sees half a line. What the terminal does not take is lost.
 void write_to_terminal(std::string_view text)
 {
     while (!text.empty()) {
@@ -90,7 +89,7 @@ void draw(ProgressLine& line, std::uint64_t done)
     BoundedText drawn = {drawn_bytes, sizeof drawn_bytes, 0};
     static_cast<void>(append_all(drawn, "\r", text.data, ERASE_REST, "\r")); // has room
     line.is_drawn = true;
-    write_to_terminal({drawn.data, drawn.length});
+    write_to_terminal(drawn.data);
 }
 
 } // namespace

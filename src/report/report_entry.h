@@ -7,6 +7,7 @@
 //   - only the first failed_check_count slots of failed_checks and the first
 //     non_gating_check_count slots of non_gating_checks hold names, the others
 //     are uninitialised memory that nobody may read;
+//   - names that came after either list was full were neither kept nor counted;
 //   - failed_check_count is 0 when passed is 1;
 //   - for every kind but Analyzed, passed is 0, both modes are empty and both
 //     counts are 0;

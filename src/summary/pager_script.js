@@ -27,6 +27,7 @@
   "use strict";
 
   var DEFAULT_PAGE_SIZE = 100;
+  var ROWS_TOGETHER = 1000;
   var TEXT_NODE = 3;
 
   function hasClass(element, name) {
@@ -42,13 +43,34 @@
     return next && hasClass(next, "dt-pager") ? next : null;
   }
 
-  // The line breaks between the rows are nodes, too. Without them a browser has half as
-  // many to visit at each press.
-  function removeGap(row) {
-    var gap = row.nextSibling;
-    if (gap && gap.nodeType === TEXT_NODE) {
-      row.parentNode.removeChild(gap);
+  // A browser visits every node beside a row that it shows or hides. So none but rows
+  // stays beside them, not even a line break, and no body holds too many of them.
+  function regroup(rows) {
+    var body;
+    var group;
+    var count;
+
+    function place(row) {
+      var gap = row.nextSibling;
+      if (row.parentNode !== body) {
+        body = row.parentNode;
+        group = body;
+        count = 0;
+      }
+      if (gap && gap.nodeType === TEXT_NODE) {
+        body.removeChild(gap);
+      }
+      if (count === ROWS_TOGETHER) {
+        group = body.parentNode.insertBefore(document.createElement("tbody"), group.nextSibling);
+        count = 0;
+      }
+      if (group !== body) {
+        group.appendChild(row);
+      }
+      count += 1;
     }
+
+    Array.prototype.forEach.call(rows, place);
   }
 
   function pageTable(table) {
@@ -82,7 +104,7 @@
       nextButton.disabled = page === pageCount - 1;
     }
 
-    Array.prototype.forEach.call(rows, removeGap);
+    regroup(rows);
     setHidden(0, rows.length, true);
     showPage(0);
 
@@ -118,6 +140,15 @@
 
   Array.prototype.forEach.call(document.querySelectorAll("table[data-page-size]"), tryToPageTable);
 
-  // The rows wait for this mark.
-  document.documentElement.setAttribute("data-paged", "");
+  // Takes away the styles by which the rows wait.
+  function endWaiting(style) {
+    var rules = style.sheet ? style.sheet.cssRules : [];
+    for (var i = rules.length - 1; i >= 0; i -= 1) {
+      if (rules[i].media && rules[i].media.mediaText.indexOf("scripting: enabled") >= 0) {
+        style.sheet.deleteRule(i);
+      }
+    }
+  }
+
+  Array.prototype.forEach.call(document.querySelectorAll("style"), endWaiting);
 })();

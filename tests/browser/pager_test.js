@@ -291,12 +291,13 @@ test("the keyboard reaches both buttons and presses them by Enter and by Space",
 test("links in hidden rows are no stop of the keyboard", async () => {
   await withPage(passedPage(101), {}, async (page) => {
     await page.focus("#themeToggle");
-    await page.press("Tab");
-    const stops = [];
-    for (let press = 0; press < 101; press += 1) {
-      stops.push(await page.evaluate(() => document.activeElement.textContent));
-      await page.press("Tab");
-    }
+    await page.evaluate(() => {
+      window.stops = [];
+      document.addEventListener("focusin", (event) => window.stops.push(event.target.textContent));
+    });
+    await page.press("Tab", 101);
+    const stops = await page.evaluate("window.stops");
+    assert.equal(stops.length, 101);
     assert.deepEqual([stops[0], stops[99], stops[100]], ["passed/case-00001", "passed/case-00100", "Next"]);
   });
 });

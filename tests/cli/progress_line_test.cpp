@@ -33,17 +33,17 @@ protected:
         progress_line_begin(line, Stage::Listing, 0);
     }
 
-    void advance(std::int64_t age, std::uint64_t done)
+    void advance(long age, std::uint64_t done)
     {
         now = BEGAN + age;
         progress_line_advance(line, done);
     }
 
-    static constexpr std::int64_t BEGAN = 12'345;
-    std::int64_t now = BEGAN; // milliseconds
+    static constexpr long BEGAN = 12'345;
+    long now = BEGAN; // milliseconds
     pid_t foreground = getpgrp();
     std::vector<std::string> written;
-    std::vector<std::int64_t> times; // when it was
+    std::vector<long> times; // when it was
     ProgressLine line = {};
 
 private:
@@ -77,7 +77,7 @@ TEST_F(ProgressLineTest, IsDrawnWhenMoreThanASecondHasGoneBy)
 
 TEST_F(ProgressLineTest, IsDrawnAtEachStageAndOftenButAtMostTenTimesASecond)
 {
-    for (std::int64_t age = 0; age < 5000; ++age) {
+    for (long age = 0; age < 5000; ++age) {
         advance(age, 1);
         if (age == 1000 || age == 2000 || age == 2001) {
             progress_line_begin(line, age < 2001 ? Stage::Reading : Stage::Writing, 9);

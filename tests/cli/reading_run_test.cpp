@@ -117,19 +117,6 @@ TEST_F(ReadingRun, AFifoDoesNotHoldUpTheRunAndIsUnreadableAsASocketIs)
     EXPECT_EQ(files().back(), (ListedFile{"b/socket.html", "unreadable", ""}));
 }
 
-TEST_F(ReadingRun, OneFailedReportAmongManyGivesStatusOneWhereverItStands)
-{
-    for (int i = 0; i < 8; ++i) {
-        temp.write("in/" + std::to_string(i) + ".html", passed_report());
-    }
-    for (int i = 0; i < 8; ++i) {
-        const std::string name = "in/" + std::to_string(i) + ".html";
-        temp.write(name, failed_report());
-        expect_complete(1, {.passed = 7, .failed = 1});
-        temp.write(name, passed_report());
-    }
-}
-
 TEST_F(ReadingRun, EveryKindIsCountedAndTheInputIsLeftAsItIs)
 {
     for (int i = 0; i < 9; ++i) {
@@ -171,16 +158,6 @@ TEST_F(ReadingRun, AMissingInputIsReportedBeforeAnythingThatIsWrongWithThePage)
     for (const std::string& page : {std::string(4096, 'x'), std::string("file/sub/s.html")}) {
         expect_run(run_in(temp, {"--input", "none", "-o", page}), 1, "", input_message("none"));
     }
-}
-
-TEST_F(ReadingRun, AnInputThatMayNotBeReadIsReported)
-{
-    temp.write("in/a.html", passed_report());
-    temp.chmod("in", 0311);
-    temp.chmod("", 0777);
-    expect_run(run_as_ordinary_user(temp, {"--input", "in", "-o", "s.html"}), 1, "",
-               input_message("in"));
-    EXPECT_FALSE(temp.exists("s.html"));
 }
 
 TEST_F(ReadingRun, TheInputIsShownByteForByteInTheMessage)

@@ -75,13 +75,8 @@ TEST_F(ReadEntry, WithAnOverLongPathLeavesAClearedUnreadableEntry)
         std::memset(&entry, 0xAB, sizeof entry);
         read(std::string(4096, 'i'), std::string(length, 'r'));
         EXPECT_EQ(entry.kind, ReportKind::Unreadable);
-        EXPECT_EQ(entry.passed, 0);
-        EXPECT_EQ(entry.failed_check_count, 0U);
-        EXPECT_EQ(entry.non_gating_check_count, 0U);
-        EXPECT_TRUE(all_bytes_are(entry.analysis_mode, sizeof entry.analysis_mode, 0));
-        EXPECT_TRUE(all_bytes_are(entry.analysis_mode_sub, sizeof entry.analysis_mode_sub, 0));
-        EXPECT_TRUE(all_bytes_are(entry.failed_checks, sizeof entry.failed_checks, 0));
-        EXPECT_TRUE(all_bytes_are(entry.non_gating_checks, sizeof entry.non_gating_checks, 0));
-        EXPECT_TRUE(all_bytes_are(entry.error, sizeof entry.error, 0));
+        entry.kind = ReportKind{};
+        entry.relative_path = nullptr;
+        EXPECT_TRUE(all_bytes_are(&entry, sizeof entry, 0)) << "but for these two";
     }
 }

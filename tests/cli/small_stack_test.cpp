@@ -62,13 +62,3 @@ TEST(SmallStack, LongNamesLongTextsAndTheLongestPagePathAreWritten)
                wrote_with_json(stem + ".html", stem + ".json", {.errored = 3}), "");
     expect_whole_page(temp.read("out/pagepa.html"));
 }
-
-TEST(SmallStack, AnArgumentOfAHundredThousandBytesIsRejected)
-{
-    const TempFolder temp;
-    const std::string longest(100000, '-');
-    const ProcessResult result =
-        run_fthsummary({longest}, {.folder = temp.path(),
-                                   .before_exec = [] { limit(RLIMIT_STACK, SMALL_STACK); }});
-    expect_run(result, 1, "", unrecognized_message(longest));
-}

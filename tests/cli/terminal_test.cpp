@@ -55,7 +55,8 @@ protected:
         close(terminal);
         int status = -1;
         waitpid(child, &status, 0);
-        EXPECT_EQ(status, text.find("error: ") == std::string::npos ? 0 : W_EXITCODE(1, 0));
+        EXPECT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), text.find("error: ") == std::string::npos ? 0 : 1);
         return text;
     }
 

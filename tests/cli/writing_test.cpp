@@ -3,7 +3,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,23 +39,11 @@ protected:
         return run_in(temp, {"--input", "in", "-o", page, "--json"});
     }
 
-    // The same with something done to the process before.
-    ProcessResult run_after(const std::function<void()>& preparation, const std::string& page)
-    {
-        return run_fthsummary({"--input", "in", "-o", page, "--json"},
-                              {.folder = temp.path(), .before_exec = preparation});
-    }
-
-    static std::string wrote_both(const std::string& page, const std::string& json)
-    {
-        return wrote_with_json(page, json, {.passed = 1, .failed = 1});
-    }
-
     // Expects a complete run and both files at these paths.
     void expect_both(const std::string& page, const std::string& json)
     {
         SCOPED_TRACE(page);
-        expect_run(run(page), 1, wrote_both(page, json), "");
+        expect_run(run(page), 1, wrote_with_json(page, json, {.passed = 1, .failed = 1}), "");
         expect_whole_page(written(page));
         EXPECT_EQ(paths_in(written(json)), (Names{"a.html", "b.html"}));
     }
@@ -118,14 +105,6 @@ TEST_F(Writing, ThePathsAreShownByteForByte)
 {
     const std::string name = "%s%n '\"\t\n\x01\xff";
     expect_both(name + ".html", name + ".json");
-}
-
-TEST_F(Writing, MissingFoldersAreCreated)
-{
-    expect_both("out/sub/s.html", "out/sub/s.json");
-    expect_both("out//x/s.html", "out//x/s.json");
-    EXPECT_EQ(outputs(), (Names{"out", "out/sub", "out/sub/s.html", "out/sub/s.json", "out/x",
-                                "out/x/s.html", "out/x/s.json"}));
 }
 
 TEST_F(Writing, LinksOfAPageInANewFolderLeadToTheReports)
@@ -192,7 +171,7 @@ TEST_F(Writing, AJsonPathThatGrowsTooLongForTheSystemFailsAndThePageStays)
     expect_whole_page(written(htm));
 }
 
-// ---- Older files, links and modes ----
+// ---- Older files ----
 
 TEST_F(Writing, OlderFilesAreReplacedWhollyInPlace)
 {
@@ -203,37 +182,6 @@ TEST_F(Writing, OlderFilesAreReplacedWhollyInPlace)
     expect_both("s.html", "s.json");
     EXPECT_EQ(temp.read("same"), temp.read("s.html"));
     EXPECT_EQ(mode_of(temp.path("s.html")), 0600U);
-}
-
-TEST_F(Writing, OutputsAndFoldersAreReachedThroughLinks)
-{
-    temp.write("real/target page", "older");
-    temp.link("real", "link");
-    temp.link("target page", "real/s.html");
-    temp.link("target json", "real/s.json");
-    expect_both("link/s.html", "link/s.json");
-    EXPECT_TRUE(fs::is_symlink(temp.path("real/s.html")));
-    expect_whole_page(temp.read("real/target page"));
-    EXPECT_EQ(temp.read("real/target json"), temp.read("link/s.json"));
-}
-
-TEST_F(Writing, NewFilesAndFoldersHeedTheUmask)
-{
-    struct Case
-    {
-        mode_t mask;
-        mode_t folder;
-        mode_t file;
-    };
-    for (const Case one : {Case{0, 0755, 0666}, Case{022, 0755, 0644}, Case{077, 0700, 0600}}) {
-        fs::remove_all(temp.path("out"));
-        expect_run(run_after([mask = one.mask] { umask(mask); }, "out/sub/s.html"), 1,
-                   wrote_both("out/sub/s.html", "out/sub/s.json"), "");
-        EXPECT_EQ(mode_of(temp.path("out")), one.folder);
-        EXPECT_EQ(mode_of(temp.path("out/sub")), one.folder);
-        EXPECT_EQ(mode_of(temp.path("out/sub/s.html")), one.file);
-        EXPECT_EQ(mode_of(temp.path("out/sub/s.json")), one.file);
-    }
 }
 
 // ---- Devices and limits ----
@@ -254,22 +202,18 @@ TEST_F(Writing, ThePageCanGoToStandardOutputBeforeTheClosingLine)
     expect_whole_page(result.output.substr(0, result.output.size() - line.size()));
 }
 
-namespace {
-
 // The program itself has to deal with the signal, whatever the test inherited.
-void limit_file_size(rlim_t bytes)
-{
-    std::signal(SIGXFSZ, SIG_DFL);
-    limit(RLIMIT_FSIZE, bytes);
-}
-
-} // namespace
-
 TEST_F(Writing, APageBeyondTheFileSizeLimitIsReportedAndLeftCut)
 {
     for (const rlim_t bytes : {rlim_t{4096}, rlim_t{0}}) {
-        expect_failure(run_after([bytes] { limit_file_size(bytes); }, "s.html"),
-                       write_message("s.html"), {"s.html"});
+        const auto limit_file_size = [bytes] {
+            std::signal(SIGXFSZ, SIG_DFL);
+            limit(RLIMIT_FSIZE, bytes);
+        };
+        const ProcessResult result =
+            run_fthsummary({"--input", "in", "-o", "s.html", "--json"},
+                           {.folder = temp.path(), .before_exec = limit_file_size});
+        expect_failure(result, write_message("s.html"), {"s.html"});
         EXPECT_EQ(temp.read("s.html").size(), bytes);
     }
 }

@@ -253,7 +253,7 @@ bool append_while_formatting_fails(Buffer& buffer, std::uint64_t call)
         }
         return fails ? -1 : next(text, size, format, values);
     });
-    return text_buffer_appendf(buffer, "%ld", 123456789012345678L);
+    return text_buffer_appendf(buffer, "%lld", 123456789012345678LL);
 }
 
 } // namespace

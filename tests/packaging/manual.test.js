@@ -29,6 +29,7 @@ test("the man page has every section that is looked for", () => {
     "NAME",
     "SYNOPSIS",
     "DESCRIPTION",
+    "ENVIRONMENT",
     "FILES",
     "EXIT STATUS",
     "EXAMPLES",

@@ -86,12 +86,10 @@ constexpr const char* EXAMPLE_DOCUMENT = R"({
 
 } // namespace
 
-TEST(JsonSummary, ExampleWithTwoReportsAndOneOtherFileHasThese30Lines)
+TEST(JsonSummary, ExampleWithTwoReportsAndOneOtherFileHasTheseLines)
 {
     const std::vector<ReportEntry> entries = example_entries();
-    const std::string document = json_of(model_of(entries, "reports"));
-    EXPECT_EQ(document, EXAMPLE_DOCUMENT);
-    EXPECT_EQ(count_of("\n", document), 30);
+    EXPECT_EQ(json_of(model_of(entries, "reports")), EXAMPLE_DOCUMENT);
 }
 
 TEST(JsonSummary, NoEntriesAtAllYieldsExactlyTheseElevenLines)

@@ -68,7 +68,10 @@ class Tab {
   async set({ width, height, colorScheme, reducedMotion, scripting }) {
     await this.resize({ width, height });
     await this.setMedia({ colorScheme, reducedMotion, media: "screen", forcedColors: "none" });
-    await this.session.send("Emulation.setScriptExecutionDisabled", { value: !scripting });
+    if (this.scripting !== scripting) {
+      this.scripting = scripting;
+      await this.session.send("Emulation.setScriptExecutionDisabled", { value: !scripting });
+    }
   }
 
   open(url, { until }) {
@@ -99,8 +102,12 @@ class Tab {
     }
   }
 
-  setMedia(media) {
-    return this.page.emulateMedia(media);
+  async setMedia(changes) {
+    const media = { ...this.media, ...changes };
+    if (JSON.stringify(media) !== JSON.stringify(this.media)) {
+      this.media = media;
+      await this.page.emulateMedia(media);
+    }
   }
 
   moveMouse(x, y) {
@@ -117,8 +124,10 @@ class Tab {
     }
   }
 
-  press(keys) {
-    return this.page.keyboard.press(keys.join("+"));
+  async press(keys, times) {
+    for (let count = 0; count < times; count += 1) {
+      await this.page.keyboard.press(keys.join("+"));
+    }
   }
 
   screenshot() {

@@ -123,14 +123,16 @@ class Tab {
     }
   }
 
-  async press(names) {
+  async press(names, times) {
     const { keyboard } = this.page;
     const keys = names.map((name) => (name === "Space" ? " " : name));
-    for (const key of keys) {
-      await keyboard.down(key);
-    }
-    for (const key of keys.reverse()) {
-      await keyboard.up(key);
+    for (let count = 0; count < times; count += 1) {
+      for (const key of keys) {
+        await keyboard.down(key);
+      }
+      for (const key of [...keys].reverse()) {
+        await keyboard.up(key);
+      }
     }
   }
 

@@ -168,9 +168,9 @@ export class Page {
     return this.tab.moveMouse(x, y);
   }
 
-  /** Presses a key: "Tab", "Shift+Tab", "Enter", "Space", "Control+Enter", ... */
-  press(keys) {
-    return this.tab.press(keys.split("+"));
+  /** Presses a key so many times: "Tab", "Shift+Tab", "Enter", "Space", "Control+Enter", ... */
+  press(keys, times = 1) {
+    return this.tab.press(keys.split("+"), times);
   }
 
   resize(width, height = 800) {

@@ -134,11 +134,12 @@ class Session {
       return session;
     } catch (error) {
       session.end();
-      throw error;
+      const isLate = error.name === "TimeoutError";
+      throw isLate ? new Error(`no answer within ${START_LIMIT_MS / 1000} s`, { cause: error }) : error;
     }
   }
 
-  async #start({ proxy, patience }, browserArguments, pageLoadStrategy) {
+  async #start({ proxy, patience, hasLayers }, browserArguments, pageLoadStrategy) {
     this.waitsForPages = pageLoadStrategy === "normal";
     const end = Date.now() + START_LIMIT_MS;
     const home = newFolder();
@@ -154,7 +155,7 @@ class Session {
       HOME: home,
       NO_AT_BRIDGE: "1",
       // Without a graphics card, to draw in layers takes longer than all else that a page needs.
-      WEBKIT_DISABLE_COMPOSITING_MODE: "1",
+      ...(hasLayers ? {} : { WEBKIT_DISABLE_COMPOSITING_MODE: "1" }),
       XDG_CONFIG_HOME: join(home, "config"),
       XDG_CACHE_HOME: join(home, "cache"),
       XDG_DATA_HOME: join(home, "data"),
@@ -373,11 +374,11 @@ class Tab {
     }
   }
 
-  async press(names) {
+  async press(names, times) {
     const values = names.map((name) => KEYS[name] ?? name);
     const down = values.map((value) => ({ type: "keyDown", value }));
     const up = [...values].reverse().map((value) => ({ type: "keyUp", value }));
-    await this.session.act(keyboard(...down, ...up));
+    await this.session.act(keyboard(...Array(times).fill([...down, ...up]).flat()));
   }
 
   async screenshot() {
@@ -400,7 +401,7 @@ class Tab {
   }
 }
 
-/** Starts browsers as they are needed. */
+/** Starts browsers as they are needed; with hasLayers as readers have them. */
 export function launch(options) {
   const sessions = new Map();
   return {
