@@ -26,16 +26,11 @@ namespace {
 constexpr std::size_t FILES = 200;
 const std::string UNREADABLE = "(unreadable)";
 
-std::string name_of(std::size_t index)
-{
-    return std::to_string(index) + ".html";
-}
-
 // Files of which each holds its own name, and a system that says how long reading takes.
-class Reading : public testing::Test
+class ReadAheadFile : public testing::Test
 {
 protected:
-    Reading()
+    ReadAheadFile()
         : temp(folder_in_memory()),
           usage_(getrusage_call,
                  [this](const auto&, int, rusage* usage) {
@@ -58,8 +53,8 @@ protected:
           })
     {
         for (std::size_t i = 0; i < FILES; ++i) {
-            names.push_back(name_of(i));
-            temp.write(name_of(i), name_of(i));
+            names.push_back(std::to_string(i) + ".html");
+            temp.write(names[i], names[i]);
         }
     }
 
@@ -95,15 +90,13 @@ protected:
     // How many files were opened before their turn.
     std::size_t ahead() const
     {
-        return static_cast<std::size_t>(std::ranges::count_if(names, [&](const std::string& name) {
-            const auto found = opened.find(name);
-            return found != opened.end() && names[found->second.front()] != name;
-        }));
+        return static_cast<std::size_t>(std::ranges::count_if(
+            opened, [&](const auto& each) { return names[each.second.front()] != each.first; }));
     }
 
     TempFolder temp;
     std::vector<std::string> names;
-    std::size_t blocks_a_file = 0;
+    std::size_t blocks_a_file = 1;
     std::vector<std::string> read;                          // contents so far
     std::map<std::string, std::vector<std::size_t>> opened; // when: files read until then
     std::vector<off_t> asked;
@@ -116,12 +109,11 @@ private:
     Interception<int, int, off_t, off_t, int> advise_;
 };
 
-using ReadAheadFile = Reading;
-
 } // namespace
 
 TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 {
+    blocks_a_file = 0;
     const std::uint64_t calls = stat_call.made + fstat_call.made;
     const std::uint64_t looks = getrusage_call.made;
     read_files();
@@ -133,7 +125,6 @@ TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 
 TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
 {
-    blocks_a_file = 1;
     read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 2 ? 1 : 0; });
     for (std::size_t i = 2; i < FILES; ++i) {
         const std::uint64_t first_ahead =
@@ -149,7 +140,6 @@ TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
 // What it held, what it is, whether it may be read, and where its path leads.
 TEST_F(ReadAheadFile, GivesWhatAFileThatChangesMeanwhileHoldsInItsTurn)
 {
-    blocks_a_file = 1;
     temp.write("one/x.html", "one");
     temp.write("two/x.html", "two");
     temp.link("one", "now");
@@ -181,28 +171,23 @@ TEST_F(ReadAheadFile, GivesWhatAFileThatChangesMeanwhileHoldsInItsTurn)
 
 TEST_F(ReadAheadFile, GivesWhatItsPathLeadsToWhereTheTimesTellNothing)
 {
-    blocks_a_file = 1;
-    const Interception by_path(stat_call, [](const auto& next, const char* path, auto* status) {
-        const int result = next(path, status);
-        status->st_ctim = {};
-        return result;
-    });
-    const Interception opened_file(fstat_call, [](const auto& next, int file, auto* status) {
+    const auto without_time = [](const auto& next, auto file, struct stat* status) {
         const int result = next(file, status);
         status->st_ctim = {};
         return result;
-    });
-    read_files({{70, "new"}}, [&](std::size_t index) {
+    };
+    const Interception by_path(stat_call, without_time);
+    const Interception by_descriptor(fstat_call, without_time);
+    read_files({{70, names[71]}}, [&](std::size_t index) {
         if (index == 50) {
-            temp.write("new", "new");
-            fs::rename(temp.path("new"), temp.path(names[70]));
+            fs::remove(temp.path(names[70]));
+            temp.link(names[71], names[70]);
         }
     });
 }
 
 TEST_F(ReadAheadFile, OpensNothingAheadThatIsNoPlainFile)
 {
-    blocks_a_file = 1;
     for (const std::size_t index : {60U, 61U, 62U}) {
         fs::remove(temp.path(names[index]));
     }
@@ -227,7 +212,6 @@ TEST_F(ReadAheadFile, OpensNothingAheadThatIsNoPlainFile)
 
 TEST_F(ReadAheadFile, DoesNotWaitForAFileThatCannotBeHadAtOnce)
 {
-    blocks_a_file = 1;
     const CallFault lease(open_call, 10, -1, EWOULDBLOCK);
     read_files();
     EXPECT_EQ(lease.failures(), 1U);
@@ -239,7 +223,6 @@ TEST_F(ReadAheadFile, ClosesWhatIsAheadBeforeAFileIsUnreadableForWantOfDescripto
 {
     for (const int error : {EMFILE, ENFILE, EACCES}) {
         read.clear();
-        blocks_a_file = 1;
         fs::remove(temp.path(names[100]));
         std::optional<CallFault<int, const char*, int, mode_t>> fault;
         const std::string expected = error == EACCES ? UNREADABLE : names[100];
@@ -255,7 +238,6 @@ TEST_F(ReadAheadFile, ClosesWhatIsAheadBeforeAFileIsUnreadableForWantOfDescripto
 
 TEST_F(ReadAheadFile, ReadsAllWithOneDescriptorAndWithFew)
 {
-    blocks_a_file = 1;
     for (const rlim_t more : {1U, 2U, 5U}) {
         const int status = run_unprivileged([&] {
             close_range(3, ~0U, 0);
@@ -270,7 +252,6 @@ TEST_F(ReadAheadFile, ReadsAllWithOneDescriptorAndWithFew)
 
 TEST_F(ReadAheadFile, HasSoManyBytesOnTheirWayAtMost)
 {
-    blocks_a_file = 1;
     constexpr off_t HUGE_SIZE = off_t{3} << 30;
     const Interception sizes(fstat_call, [&](const auto& next, int file, struct stat* status) {
         const int result = next(file, status);
@@ -284,7 +265,6 @@ TEST_F(ReadAheadFile, HasSoManyBytesOnTheirWayAtMost)
 
 TEST_F(ReadAheadFile, IsClosedWhenReadingEndsEarly)
 {
-    blocks_a_file = 1;
     read_files(
         {}, [](std::size_t) {}, 40);
     EXPECT_GT(most, 1U);
