@@ -4,8 +4,11 @@
 #include <cerrno>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "core/append_all.h"
@@ -15,11 +18,29 @@
 namespace {
 
 constexpr int NONE = -1;
+constexpr std::int64_t SECOND = 1'000'000'000; // in nanoseconds
 
-// What the process has had brought in so far.
-std::int64_t blocks_so_far()
+// File systems whose files come from a server, or from a program that made them up.
+constexpr std::uint32_t SHARES[] = {FUSE_SUPER_MAGIC, NFS_SUPER_MAGIC,  SMB_SUPER_MAGIC,
+                                    SMB2_SUPER_MAGIC, CIFS_SUPER_MAGIC, CEPH_SUPER_MAGIC,
+                                    V9FS_MAGIC,       AFS_FS_MAGIC};
+
+bool is_share(const char* folder)
+{
+    struct statfs status = {};
+    return statfs(folder, &status) == 0 &&
+           std::ranges::find(SHARES, static_cast<std::uint32_t>(status.f_type)) !=
+               std::ranges::end(SHARES);
+}
+
+// Blocks that the process has had brought in so far or, on a share, the time.
+std::int64_t waited_so_far(const ReadAhead& ahead)
 {
     rusage usage = {};
+    timespec now = {};
+    if (ahead.is_timed) {
+        return clock_gettime(CLOCK_MONOTONIC, &now) == 0 ? now.tv_sec * SECOND + now.tv_nsec : 0;
+    }
     return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_inblock : 0;
 }
 
@@ -29,9 +50,10 @@ void look(ReadAhead& ahead)
     if (ahead.next != ahead.next_look) {
         return;
     }
-    const std::int64_t blocks = blocks_so_far();
-    ahead.waits = blocks > ahead.blocks;
-    ahead.blocks = blocks;
+    const std::int64_t files = ahead.next > 1 ? std::int64_t{READ_AHEAD_LOOK_EVERY} : 1;
+    const std::int64_t waited = waited_so_far(ahead);
+    ahead.waits = waited - ahead.waited > (ahead.is_timed ? files * READ_AHEAD_SLOW : 0);
+    ahead.waited = waited;
     ahead.next_look += READ_AHEAD_LOOK_EVERY;
 }
 
@@ -150,7 +172,8 @@ void read_ahead_init(ReadAhead& ahead, const char* folder, const char* const* pa
     }
     ahead.bytes = 0;
     ahead.next_look = 1;
-    ahead.blocks = blocks_so_far();
+    ahead.is_timed = is_share(folder);
+    ahead.waited = waited_so_far(ahead);
     ahead.waits = false;
 }
 

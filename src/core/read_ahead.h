@@ -8,9 +8,10 @@
 // Whether the run waits is looked at every so many files, not at each, and no file is
 // opened ahead before it does: a run whose files are in memory makes a call more for some
 // dozens of files, and nothing else. It waits when what it read had to be brought in: the
-// system counts that for each process. Time would not do instead. A disk answers sooner
-// than a busy machine, or a debugger that watches each call, lets a run go on. A file
-// system that counts nothing here (one made with FUSE) is read without any of this.
+// system counts that for each process, but not what comes from a server or a program
+// (NFS, SMB, FUSE). There it waits when its files take long. Elsewhere time would not do: a
+// disk answers sooner than a busy machine, or a debugger that watches each call, lets a run
+// go on.
 //
 // All of it is a hint, and changes nothing but time:
 //   - Only plain files are opened ahead, as read_whole_file would open them later.
@@ -36,6 +37,9 @@ inline constexpr std::uint64_t READ_AHEAD_BYTES = std::uint64_t{16} << 20U;
 // Files between two looks at whether the run waits. The first comes after one file.
 inline constexpr std::uint64_t READ_AHEAD_LOOK_EVERY = 64;
 
+// Nanoseconds a file; a share that takes longer is waited for.
+inline constexpr std::int64_t READ_AHEAD_SLOW = 500'000;
+
 // A file that was opened ahead, and what it was then.
 struct FileAhead
 {
@@ -56,7 +60,8 @@ struct ReadAhead
     FileAhead files[READ_AHEAD_FILES]; // file i is at i % READ_AHEAD_FILES
     std::uint64_t bytes;               // on their way
     std::uint64_t next_look;           // with this file
-    std::int64_t blocks;               // brought in until the last look
+    bool is_timed;                     // by the clock, not by what was brought in
+    std::int64_t waited;               // by that measure, until the last look
     bool waits;                        // as the last look found
 };
 

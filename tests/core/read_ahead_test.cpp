@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <unistd.h>
 
 #include "core/read_ahead.h"
@@ -135,6 +136,27 @@ TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
     EXPECT_EQ(most, READ_AHEAD_FILES + 1);
     EXPECT_EQ(asked.size(), ahead());
     EXPECT_THAT(std::vector(asked.begin(), asked.begin() + 1), ElementsAre(names[2].size()));
+}
+
+TEST_F(ReadAheadFile, OpensAheadOnAShareWhoseFilesTakeLong)
+{
+    const Interception share(statfs_call, [](const auto&, const char*, struct statfs* status) {
+        status->f_type = FUSE_SUPER_MAGIC;
+        return 0;
+    });
+    std::int64_t passed = 0; // nanoseconds a file
+    const Interception clock(clock_gettime_call, [&](const auto&, clockid_t, timespec* now) {
+        const std::int64_t time = static_cast<std::int64_t>(read.size()) * passed;
+        *now = {3 + time / 1'000'000'000, time % 1'000'000'000};
+        return 0;
+    });
+    for (const std::int64_t more : {0, 1}) {
+        passed = READ_AHEAD_SLOW + more;
+        read.clear();
+        opened.clear();
+        read_files();
+        EXPECT_EQ(ahead(), more == 0 ? 0U : FILES - 2);
+    }
 }
 
 // What it held, what it is, whether it may be read, and where its path leads.

@@ -49,6 +49,7 @@ constexpr Rule RULES[] = {
     {Call::Close, Answer::Refuse, Phase::Reading, Effect::Nothing},
 
     // Reading ahead.
+    {Call::Statfs, Answer::Refuse, Phase::Reading, Effect::Nothing},
     {Call::Usage, Answer::Refuse, Phase::Reading, Effect::Nothing},
     {Call::Stat, Answer::Refuse, Phase::Ahead, Effect::Nothing},
     {Call::Open, Answer::Refuse, Phase::Ahead, Effect::Nothing},

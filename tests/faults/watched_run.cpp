@@ -235,6 +235,7 @@ void WatchedRun::intercept_folders()
 void WatchedRun::intercept_paths()
 {
     intercept_refusing(fstatfs_call, Call::Fstatfs, -1, ENOSYS);
+    intercept_refusing(statfs_call, Call::Statfs, -1, ENOSYS);
     intercept(stat_call, [this](const auto& next, const char* path, struct stat* status) {
         begin_examining(path);
         return refuses(Call::Stat, EACCES, path) ? -1 : next(path, status);
@@ -395,11 +396,12 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",  "realloc", "open",      "fstat",    "posix_fadvise", "lseek",
-        "pread",   "write",   "close",     "opendir",  "readdir",       "closedir",
-        "fstatfs", "stat",    "lstat",     "mkdir",    "realpath",      "format",
-        "print",   "time",    "getrusage", "gmtime_r", "strftime",      "madvise",
-        "mallopt", "isatty",  "tcgetpgrp", "ioctl",    "clock_gettime", "draw"};
+        "malloc",  "realloc", "open",   "fstat",     "posix_fadvise", "lseek",
+        "pread",   "write",   "close",  "opendir",   "readdir",       "closedir",
+        "fstatfs", "statfs",  "stat",   "lstat",     "mkdir",         "realpath",
+        "format",  "print",   "time",   "getrusage", "gmtime_r",      "strftime",
+        "madvise", "mallopt", "isatty", "tcgetpgrp", "ioctl",         "clock_gettime",
+        "draw"};
     return NAMES[index_of(call)];
 }
 

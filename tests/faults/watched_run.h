@@ -34,6 +34,7 @@ enum class Call
     Readdir,
     Closedir,
     Fstatfs,
+    Statfs,
     Stat,
     Lstat,
     Mkdir,
@@ -52,7 +53,7 @@ enum class Call
     Clock,
     Draw, // write, on the terminal
 };
-inline constexpr std::size_t CALL_COUNT = 30;
+inline constexpr std::size_t CALL_COUNT = 31;
 
 // What a failing call says.
 enum class Answer

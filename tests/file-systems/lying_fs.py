@@ -20,6 +20,7 @@ import time
 
 THREADS = 16
 REQUEST_SIZE = 1 << 20  # more than the kernel sends to a file system that takes no writes
+READ_ONLY = 1  # the flag of mount(2)
 VALID_SECONDS = 60  # that the kernel may keep names and attributes
 
 NAMES = {
@@ -55,7 +56,7 @@ class LyingFs:
     def mount(self, point):
         libc = ctypes.CDLL(None, use_errno=True)
         options = f"fd={self.device},rootmode=40755,user_id=0,group_id=0,allow_other,default_permissions"
-        if libc.mount(b"lying", os.fsencode(point), b"fuse", ctypes.c_ulong(0), options.encode()) != 0:
+        if libc.mount(b"lying", os.fsencode(point), b"fuse", ctypes.c_ulong(READ_ONLY), options.encode()) != 0:
             raise OSError(ctypes.get_errno(), "cannot mount", point)
 
     def serve(self):

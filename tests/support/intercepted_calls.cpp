@@ -56,6 +56,8 @@ INTERCEPT_AS(WIDE(readdir, readdir64), dirent*, readdir, (DIR * listing), listin
 INTERCEPT(int, closedir, (DIR * listing), listing)
 INTERCEPT_AS(WIDE(fstatfs, fstatfs64), int, fstatfs, (int file, struct statfs* status), file,
              status)
+INTERCEPT_AS(WIDE(statfs, statfs64), int, statfs, (const char* path, struct statfs* status), path,
+             status)
 INTERCEPT_AS(WIDE(stat, __stat64_time64), int, stat, (const char* path, struct stat* status), path,
              status)
 INTERCEPT_AS(WIDE(lstat, __lstat64_time64), int, lstat, (const char* path, struct stat* status),

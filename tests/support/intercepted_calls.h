@@ -64,6 +64,7 @@ extern InterceptedCall<DIR*(const char*)> opendir_call;
 extern InterceptedCall<dirent*(DIR*)> readdir_call;
 extern InterceptedCall<int(DIR*)> closedir_call;
 extern InterceptedCall<int(int, struct statfs*)> fstatfs_call;
+extern InterceptedCall<int(const char*, struct statfs*)> statfs_call;
 extern InterceptedCall<int(const char*, struct stat*)> stat_call;
 extern InterceptedCall<int(const char*, struct stat*)> lstat_call;
 extern InterceptedCall<int(const char*, mode_t)> mkdir_call;
