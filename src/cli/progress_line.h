@@ -40,5 +40,5 @@ void progress_line_advance(ProgressLine& line, std::uint64_t done);
 // Something else is about to be printed, or the run ends.
 void progress_line_erase(ProgressLine& line);
 
-// What advances the line, which must stay where it is for as long.
+// What advances the line. The line must stay where it is while the result is in use.
 Progress progress_line_listener(ProgressLine& line);

@@ -7,12 +7,12 @@
 #include "report/report_entry.h"
 
 // Does the whole job and prints its closing lines or its one error message.
-// Returns the exit status: 1 when a report failed or errored, a file could not be read,
-// or the page or the JSON file could not be written; else 0.
+// Returns the exit status: 0 when the run got to its end and every report passed and every
+// file could be read; else 1.
 [[nodiscard]] int run_summary(const CommandLine& options);
 
 // Reads the file at input_dir, "/" and relative_path into entry. A path that takes more
-// than LONG_PATH_BUFFER_SIZE bytes with its NUL leaves an entry of kind Unreadable. Ahead
-// is as read_analyze_report takes it.
+// than LONG_PATH_BUFFER_SIZE bytes with its NUL leaves an entry of kind Unreadable. ahead
+// is what read_analyze_report takes.
 void read_entry(const char* input_dir, const char* relative_path, ReportEntry& entry,
                 ReadAhead* ahead = nullptr);

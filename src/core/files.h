@@ -35,8 +35,8 @@
 [[nodiscard]] bool write_whole_file(const char* path, const char* bytes, std::uint64_t length);
 
 // Whether path names a directory, symbolic links followed. A block device and a
-// socket count as well: the directory bit alone is tested, which their types hold. False also when
-// the path cannot be examined.
+// socket count as well: the directory bit alone is tested, which their types hold.
+// False also when the path cannot be examined.
 [[nodiscard]] bool is_directory(const char* path);
 
 // Makes sure that an entry of that name exists, creating one folder (mode 0755

@@ -10,8 +10,8 @@
 // Reads the file at full_path and fills every field of entry that a consumer may
 // read; what entry held before does not matter. relative_path is stored as it is,
 // not copied, and must outlive the entry. A file that cannot be read gives
-// ReportKind::Unreadable. In a run over many files, ahead is what reads them, and the file
-// its next one; null: it is read by itself.
+// ReportKind::Unreadable. Where ahead is not null, it reads the file, which must be the
+// next one of those that it was given.
 void read_analyze_report(const char* full_path, const char* relative_path, ReportEntry& entry,
                          ReadAhead* ahead = nullptr);
 
