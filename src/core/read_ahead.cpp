@@ -52,7 +52,9 @@ void look(ReadAhead& ahead)
     }
     const std::int64_t files = ahead.next > 1 ? std::int64_t{READ_AHEAD_LOOK_EVERY} : 1;
     const std::int64_t waited = waited_so_far(ahead);
-    ahead.waits = waited - ahead.waited > (ahead.is_timed ? files * READ_AHEAD_SLOW : 0);
+    // A share that is quick since files are opened ahead would be slow again without it.
+    ahead.waits = (ahead.is_timed && ahead.waits) ||
+                  waited - ahead.waited > (ahead.is_timed ? files * READ_AHEAD_SLOW : 0);
     ahead.waited = waited;
     ahead.next_look += READ_AHEAD_LOOK_EVERY;
 }
@@ -141,7 +143,9 @@ void open_ahead(ReadAhead& ahead, std::uint64_t index)
     }
     const std::uint64_t wanted =
         std::min(static_cast<std::uint64_t>(status.st_size), READ_AHEAD_BYTES - ahead.bytes);
-    posix_fadvise(file, 0, static_cast<off_t>(wanted), POSIX_FADV_WILLNEED);
+    if (wanted > 0) { // else it would mean all that there is by now
+        posix_fadvise(file, 0, static_cast<off_t>(wanted), POSIX_FADV_WILLNEED);
+    }
     file_ahead(ahead, index) = {file, status.st_dev, status.st_ino, status.st_ctim, wanted};
     ahead.bytes += wanted;
 }

@@ -9,16 +9,15 @@
 // opened ahead before it does: a run whose files are in memory makes a call more for some
 // dozens of files, and nothing else. It waits when what it read had to be brought in: the
 // system counts that for each process, but not what comes from a server or a program
-// (NFS, SMB, FUSE). There it waits when its files take long. Elsewhere time would not do: a
-// disk answers sooner than a busy machine, or a debugger that watches each call, lets a run
-// go on.
+// (NFS, SMB, FUSE). There it waits when its files take long. Elsewhere time cannot tell: a
+// quick disk takes less of it than a busy processor, or a debugger, adds.
 //
 // All of it is a hint, and changes nothing but time:
 //   - Only plain files are opened ahead, as read_whole_file would open them later.
 //   - A file that was opened ahead is read through that descriptor only if its path still
 //     leads to it and nothing about it has changed since (its own change time says so:
-//     contents, permissions, name). What is read then is what opening it at that moment
-//     would have given. Otherwise it is closed and opened anew.
+//     contents, permissions, name), as far as the system tells: a share may say for a
+//     while what it said before. Otherwise it is closed and opened anew.
 //   - Whatever fails ahead is forgotten, and the file is read as if it had not been tried.
 //   - When descriptors run out, those ahead are closed before a file counts as unreadable.
 //   - So many files and bytes are on their way at most, however large a file is.

@@ -32,13 +32,12 @@ class ReadAheadFile : public testing::Test
 {
 protected:
     ReadAheadFile()
-        : temp(folder_in_memory()),
-          usage_(getrusage_call,
-                 [this](const auto&, int, rusage* usage) {
-                     *usage = {};
-                     usage->ru_inblock = static_cast<long>(read.size() * blocks_a_file);
-                     return 0;
-                 }),
+        : temp(folder_in_memory()), usage_(getrusage_call,
+                                           [this](const auto&, int, rusage* usage) {
+                                               *usage = {};
+                                               usage->ru_inblock = blocks;
+                                               return 0;
+                                           }),
           open_(open_call,
                 [this](const auto& next, const char* path, int flags, mode_t mode) {
                     const std::string name = fs::path(path).filename();
@@ -80,6 +79,7 @@ protected:
                 read_ahead_file(ahead, temp.path(names[read.size()]).c_str(), contents);
             read.emplace_back(complete ? contents : UNREADABLE);
             std::free(contents);
+            blocks += blocks_a_file;
         }
         read_ahead_free(ahead);
         EXPECT_EQ(open_descriptors(), before);
@@ -97,7 +97,8 @@ protected:
 
     TempFolder temp;
     std::vector<std::string> names;
-    std::size_t blocks_a_file = 1;
+    long blocks_a_file = 1;
+    long blocks = 0;                                        // that were brought in so far
     std::vector<std::string> read;                          // contents so far
     std::map<std::string, std::vector<std::size_t>> opened; // when: files read until then
     std::vector<off_t> asked;
@@ -126,7 +127,7 @@ TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 
 TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
 {
-    read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 2 ? 1 : 0; });
+    read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 4 ? 1 : 0; });
     for (std::size_t i = 2; i < FILES; ++i) {
         const std::uint64_t first_ahead =
             std::max<std::uint64_t>(i, READ_AHEAD_FILES + 1) - READ_AHEAD_FILES;
@@ -191,21 +192,26 @@ TEST_F(ReadAheadFile, GivesWhatAFileThatChangesMeanwhileHoldsInItsTurn)
     EXPECT_THAT(opened[names[75]], ElementsAre(43, 75)) << "its rights may have gone";
 }
 
-TEST_F(ReadAheadFile, GivesWhatItsPathLeadsToWhereTheTimesTellNothing)
+TEST_F(ReadAheadFile, OpensAnewWhateverIsOtherThanItWas)
 {
-    const auto without_time = [](const auto& next, auto file, struct stat* status) {
-        const int result = next(file, status);
-        status->st_ctim = {};
-        return result;
+    const std::vector<std::function<void(struct stat&)>> changes = {
+        [](struct stat& status) { ++status.st_dev; },
+        [](struct stat& status) { ++status.st_ino; },
+        [](struct stat& status) { ++status.st_ctim.tv_sec; },
+        [](struct stat& status) { --status.st_ctim.tv_nsec; },
     };
-    const Interception by_path(stat_call, without_time);
-    const Interception by_descriptor(fstat_call, without_time);
-    read_files({{70, names[71]}}, [&](std::size_t index) {
-        if (index == 50) {
-            fs::remove(temp.path(names[70]));
-            temp.link(names[71], names[70]);
+    const Interception later(stat_call, [&](const auto& next, const char* path, auto* status) {
+        const int result = next(path, status);
+        const std::size_t index = read.size() - 70;
+        if (index < changes.size() && path == temp.path(names[read.size()])) {
+            changes[index](*status);
         }
+        return result;
     });
+    read_files();
+    for (std::size_t i = 69; i < 75; ++i) {
+        EXPECT_EQ(opened[names[i]].size(), i > 69 && i < 74 ? 2U : 1U) << i;
+    }
 }
 
 TEST_F(ReadAheadFile, OpensNothingAheadThatIsNoPlainFile)
@@ -283,6 +289,27 @@ TEST_F(ReadAheadFile, HasSoManyBytesOnTheirWayAtMost)
     read_files();
     EXPECT_EQ(most, 3U) << "the one that is read, and two ahead";
     EXPECT_LE(*std::ranges::max_element(asked), off_t{READ_AHEAD_BYTES});
+}
+
+TEST_F(ReadAheadFile, AsksForWhatIsLeftOfTheseBytes)
+{
+    constexpr off_t LARGE = READ_AHEAD_BYTES / 8 * 5;
+    const Interception sizes(fstat_call, [&](const auto& next, int file, struct stat* status) {
+        const int result = next(file, status);
+        status->st_size = asked.size() == 4 ? 0 : LARGE;
+        return result;
+    });
+    std::optional<CallFault<int, const char*, int, mode_t>> fault;
+    read_files({}, [&](std::size_t index) {
+        if (index == 100) { // which was read ahead, and is to be opened anew
+            fs::remove(temp.path(names[100]));
+            temp.write(names[100], names[100]);
+            fault.emplace(open_call, 1, -1, EMFILE);
+            asked.clear();
+        }
+    });
+    constexpr off_t REST = READ_AHEAD_BYTES - LARGE;
+    EXPECT_THAT(asked, ElementsAre(LARGE, REST, LARGE, REST)) << "nothing of what is empty";
 }
 
 TEST_F(ReadAheadFile, IsClosedWhenReadingEndsEarly)

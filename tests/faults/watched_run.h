@@ -172,7 +172,6 @@ private:
     bool refuses(Call call, int error, std::string_view subject = {}, std::uint64_t number = 0);
 
     void begin_assembling();
-    void begin_folders();
     void begin_examining(const std::string& path);
     void begin_reading(int file);
     void begin_writing(const std::string& path);

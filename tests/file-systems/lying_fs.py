@@ -3,9 +3,8 @@
     lying_fs.py FOLDER MOUNT_POINT [--types LIE] [--delay MS] [--fail CALL:NAME]...
 
 It speaks the kernel's own protocol (linux/fuse.h) on /dev/fuse: the usual library always
-hands the listed type on as the entry's own, too, which is another lie than the ones that
-are wanted. Needs root. It ends when it is unmounted; its last line then tells, as JSON,
-how often each call was made and how many were under way at a time.
+hands the listed type on as the entry's own, too, and so cannot tell one of them truly. Needs root. It ends when it is unmounted; its last line then tells, as JSON,
+how often each call was made and how many that somebody waits for were under way at a time.
 """
 import argparse
 import collections
@@ -74,16 +73,17 @@ class LyingFs:
     def answer(self, request):
         _, code, unique, number = struct.unpack_from("=IIQQ", request)
         call, body = NAMES.get(code, "other"), request[40:]
+        is_waited_for = call not in UNANSWERED and not call.startswith("release")
         with self.lock:
             self.calls[call] += 1
-            self.under_way += 1
+            self.under_way += is_waited_for
             self.most_under_way = max(self.most_under_way, self.under_way)
         try:
             error, reply = 0, self.reply(call, number, body)
         except OSError as failure:
             error, reply = failure.errno, b""
         with self.lock:
-            self.under_way -= 1
+            self.under_way -= is_waited_for
         if call not in UNANSWERED:
             self.write(struct.pack("=IiQ", 16 + len(reply), -error, unique) + reply)
 
