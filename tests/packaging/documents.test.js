@@ -260,7 +260,7 @@ test("the examples in the man page work", (t) => {
       input: ci,
     }).stdout,
   );
-  assert.deepEqual(job.artifacts, { when: "always", paths: ["public/"] });
+  assert.deepEqual(job.artifacts, { when: "always", paths: ["public/", "reports/"] });
   shell(job.script.join("\n"), 1);
   assert.ok(fs.existsSync(`${folder}/public/summary.json`));
   const failed = JSON.parse(read(folder, "out/summary.json")).reports.filter(

@@ -29,6 +29,7 @@ const FILES = [
   "as-strict-as-the-page",
   "Makefile",
   ".github/workflows/reports.yml",
+  "Containerfile",
   ".gitlab-ci.yml",
   "Jenkinsfile",
   "/var/lib/jenkins/init.groovy.d/fthsummary.groovy",
