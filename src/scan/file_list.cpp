@@ -36,7 +36,8 @@ bool file_list_append(FileList& list, std::string_view path)
     }
     path.copy(copy, path.size());
     copy[path.size()] = '\0';
-    list.paths[list.count++] = copy;
+    list.paths[list.count] = copy;
+    ++list.count;
     return true;
 }
 
