@@ -53,8 +53,9 @@ void look(ReadAhead& ahead)
     const std::int64_t files = ahead.next > 1 ? std::int64_t{READ_AHEAD_LOOK_EVERY} : 1;
     const std::int64_t waited = waited_so_far(ahead);
     // A share that is quick since files are opened ahead would be slow again without it.
-    ahead.waits = (ahead.is_timed && ahead.waits) ||
-                  waited - ahead.waited > (ahead.is_timed ? files * READ_AHEAD_SLOW : 0);
+    ahead.waits =
+        (ahead.is_timed && ahead.waits) ||
+        waited - ahead.waited > files * (ahead.is_timed ? READ_AHEAD_SLOW : READ_AHEAD_FEW);
     ahead.waited = waited;
     ahead.next_look += READ_AHEAD_LOOK_EVERY;
 }

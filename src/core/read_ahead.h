@@ -39,6 +39,10 @@ inline constexpr std::uint64_t READ_AHEAD_LOOK_EVERY = 64;
 // Nanoseconds a file; a share that takes longer is waited for.
 inline constexpr std::int64_t READ_AHEAD_SLOW = 500'000;
 
+// Blocks of 512 bytes a file; a disk that is asked for more is waited for. The system takes
+// a file or two out of memory at any time, and they are not worth opening all others ahead.
+inline constexpr std::int64_t READ_AHEAD_FEW = 1;
+
 // A file that was opened ahead, and what it was then.
 struct FileAhead
 {

@@ -97,7 +97,7 @@ protected:
 
     TempFolder temp;
     std::vector<std::string> names;
-    long blocks_a_file = 1;
+    long blocks_a_file = READ_AHEAD_FEW + 1;
     long blocks = 0;                                        // that were brought in so far
     std::vector<std::string> read;                          // contents so far
     std::map<std::string, std::vector<std::size_t>> opened; // when: files read until then
@@ -115,7 +115,7 @@ private:
 
 TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 {
-    blocks_a_file = 0;
+    blocks_a_file = READ_AHEAD_FEW;
     const std::uint64_t calls = stat_call.made + fstat_call.made;
     const std::uint64_t looks = getrusage_call.made;
     read_files();
@@ -127,7 +127,7 @@ TEST_F(ReadAheadFile, OpensNothingAheadAndSeldomLooksWhileNothingIsWaitedFor)
 
 TEST_F(ReadAheadFile, OpensWhatComesNextOnceAndAheadWhileFilesAreBroughtIn)
 {
-    read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 4 ? 1 : 0; });
+    read_files({}, [&](std::size_t index) { blocks_a_file = index < FILES / 4 ? 2 : 0; });
     for (std::size_t i = 2; i < FILES; ++i) {
         const std::uint64_t first_ahead =
             std::max<std::uint64_t>(i, READ_AHEAD_FILES + 1) - READ_AHEAD_FILES;

@@ -44,7 +44,8 @@ World::World(Scene scene)
     : has_terminal(scene == Scene::Terminal), temp_(folder_in_memory()),
       before_(fs::current_path()), usage_(getrusage_call, [scene](const auto&, int, rusage* usage) {
           *usage = {};
-          usage->ru_inblock = scene == Scene::Share ? static_cast<long>(getrusage_call.made) : 0;
+          usage->ru_inblock =
+              scene == Scene::Share ? static_cast<long>(1000 * getrusage_call.made) : 0;
           return 0;
       })
 {
