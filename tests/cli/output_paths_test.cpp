@@ -180,6 +180,8 @@ TEST(PageFolders, AColonElsewhereIsNoDrivePrefix)
 {
     EXPECT_EQ(made_for("CC:/x/y.html"), (Names{"CC:", "CC:/x"}));
     EXPECT_EQ(made_for(":/x/y.html"), (Names{":", ":/x"}));
+    EXPECT_EQ(made_for("C:d/x/y.html"), (Names{"C:d", "C:d/x"}));
+    EXPECT_EQ(made_for("CD/x/y.html"), (Names{"CD", "CD/x"}));
     EXPECT_EQ(made_for("d/:/y.html"), (Names{"d", "d/:"}));
 }
 

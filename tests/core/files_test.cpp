@@ -117,6 +117,9 @@ TEST_F(ReadWholeFile, OfWhatIsNoFileThatCanBeReadFailsAndLeavesTheResultPlaceUnt
                              "link", "socket"}) {
         EXPECT_TRUE(refuses_to_read(temp.path(name))) << name;
     }
+    const std::uint64_t closed = close_call.made;
+    EXPECT_TRUE(refuses_to_read(temp.path("missing")));
+    EXPECT_EQ(close_call.made, closed) << "what was not opened is not closed";
     // Folders of other file systems may report other sizes.
     for (const std::string& each :
          {temp.path(TOO_LONG), std::string(), std::string(5000, '/') + "etc/passwd",
