@@ -20,5 +20,5 @@ foreach(folder "c++/${version}" "${triplet}/c++/${version}" "c++/${version}/back
   string(APPEND CMAKE_CXX_FLAGS_INIT " -isystem /usr/include/${folder}")
 endforeach()
 
-# The specs begin every program as one that is loaded by musl's loader.
+# musl-gcc links every program as one that is loaded by musl's loader.
 set(FTHSUMMARY_STATIC_PIE OFF CACHE BOOL "" FORCE)

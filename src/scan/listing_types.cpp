@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include <linux/magic.h>
 #include <sys/vfs.h>
 
 namespace {
@@ -12,18 +13,11 @@ namespace {
 //
 // Overlay is left out on purpose, common as it is in containers: it hands on what the
 // file systems below it say, and they may be any.
-constexpr std::uint32_t EXT2_TO_4 = 0xEF53;
-constexpr std::uint32_t XFS = 0x58465342;
-constexpr std::uint32_t BTRFS = 0x9123683E;
-constexpr std::uint32_t F2FS = 0xF2F52010;
-constexpr std::uint32_t TMPFS = 0x01021994;
-constexpr std::uint32_t RAMFS = 0x858458F6;
-constexpr std::uint32_t SQUASHFS = 0x73717368;
-constexpr std::uint32_t EROFS = 0xE0F5E1E2;
-constexpr std::uint32_t NFS = 0x6969;
-
-constexpr std::uint32_t TRUTHFUL[] = {EXT2_TO_4, XFS,      BTRFS, F2FS, TMPFS,
-                                      RAMFS,     SQUASHFS, EROFS, NFS};
+constexpr std::uint32_t TRUTHFUL[] = {
+    EXT4_SUPER_MAGIC, // of ext2 and ext3, too
+    XFS_SUPER_MAGIC,  BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC,     TMPFS_MAGIC,
+    RAMFS_MAGIC,      SQUASHFS_MAGIC,    EROFS_SUPER_MAGIC_V1, NFS_SUPER_MAGIC,
+};
 
 } // namespace
 

@@ -123,9 +123,9 @@ EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view 
     if (type == DT_DIR) {
         return EntryUse::Enter;
     }
-    const bool listable = is_report_name(name);
-    if (!may_lead_elsewhere(type) && (!listable || level.searchable)) {
-        return listable ? EntryUse::List : EntryUse::Skip;
+    const bool is_candidate = is_report_name(name);
+    if (!may_lead_elsewhere(type) && (!is_candidate || level.searchable)) {
+        return is_candidate ? EntryUse::List : EntryUse::Skip;
     }
     struct stat status = {};
     if (stat(walk.full.data, &status) != 0) {
@@ -135,7 +135,7 @@ EntryUse examine(Walk& walk, Level& level, unsigned char type, std::string_view 
     if (S_ISDIR(status.st_mode)) {
         return EntryUse::Enter;
     }
-    return listable ? EntryUse::List : EntryUse::Skip;
+    return is_candidate ? EntryUse::List : EntryUse::Skip;
 }
 
 // Whether the entry at walk.full is the page under this or another name. What is of any
@@ -172,7 +172,7 @@ bool visit(Walk& walk, const dirent& entry)
     return is_page(walk, type, name) || file_list_append(*walk.list, walk.relative.data);
 }
 
-bool is_listable(const char* folder)
+bool can_be_opened(const char* folder)
 {
     DIR* listing = opendir(folder);
     if (listing == nullptr) {
@@ -187,7 +187,7 @@ bool is_listable(const char* folder)
 bool scan_reports(const char* input_dir, const char* page_path, FileList& list,
                   const Progress* progress)
 {
-    if (!is_listable(input_dir)) {
+    if (!can_be_opened(input_dir)) {
         return false;
     }
     char canonical_page[PATH_BUFFER_SIZE];

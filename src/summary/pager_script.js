@@ -43,8 +43,8 @@
     return next && hasClass(next, "dt-pager") ? next : null;
   }
 
-  // A browser visits every node beside a row that it shows or hides. So none but rows
-  // stays beside them, not even a line break, and no body holds too many of them.
+  // A browser visits every node beside a row that it shows or hides. So the line breaks
+  // between the rows go, and no body holds too many rows.
   function regroup(rows) {
     var body;
     var group;
@@ -99,9 +99,9 @@
       setHidden(currentPage * pageSize, (currentPage + 1) * pageSize, true);
       setHidden(page * pageSize, (page + 1) * pageSize, false);
       currentPage = page;
-      status.textContent = "Page " + (page + 1) + " of " + pageCount;
       previousButton.disabled = page === 0;
       nextButton.disabled = page === pageCount - 1;
+      status.textContent = "Page " + (page + 1) + " of " + pageCount;
     }
 
     regroup(rows);

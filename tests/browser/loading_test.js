@@ -405,6 +405,18 @@ test("a pager that stumbles over one table pages the others and leaves that one 
   });
 });
 
+test("a pager without its button calls no rows a page that are all there", async () => {
+  const broken = join(newFolder(), "summary.html");
+  writeFileSync(
+    broken,
+    readFileSync(threeTables, "utf8").replace(/<button type="button" data-dt-next>.*/, ""),
+  );
+  await withDeadPage(broken, /null|disabled/, {}, async (page) => {
+    await page.until(() => document.querySelector(".dt-pager-status").nextElementSibling === null);
+    assert.deepEqual(await seen(page, 0), { rows: 101, note: "", status: "All rows" });
+  });
+});
+
 test("until its script has run the theme button holds both icons, beside each other", async () => {
   await withPage(stripped, {}, async (page) => {
     const [button, sun, moon] = await page.$$eval(".theme-toggle, .theme-toggle svg", (all) =>

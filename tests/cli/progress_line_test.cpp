@@ -109,8 +109,11 @@ TEST_F(ProgressLineTest, IsNotDrawnWhereTheBeginningIsNotKnown)
 TEST_F(ProgressLineTest, StaysOutOfWhatIsTypedWhereItIsInTheBackground)
 {
     foreground = getpgrp() + 1;
+    const std::uint64_t asked = tcgetpgrp_call.made;
     advance(2000, 1);
+    advance(2001, 1);
     EXPECT_THAT(written, IsEmpty());
+    EXPECT_EQ(tcgetpgrp_call.made - asked, 1U) << "as often as it would be drawn";
     foreground = -1; // the terminal is another session's
     advance(3000, 2);
     foreground = getpgrp() + 1;
