@@ -101,11 +101,10 @@ int status_of(const SummaryModel& model)
     return SUCCESS;
 }
 
-bool report_unwritten(ProgressLine& progress, const char* path)
+void print_not_written(ProgressLine& progress, const char* path)
 {
     progress_line_erase(progress);
     std::fprintf(stderr, "error: failed to write '%s'\n", path);
-    return false;
 }
 
 // False: a message was printed.
@@ -116,8 +115,11 @@ bool write_page(const CommandLine& options, ProgressLine& progress, const Summar
         std::fprintf(stderr, "error: could not create the folder for '%s'\n", options.page_path);
         return false;
     }
-    return write_summary_page(options.page_path, model) ||
-           report_unwritten(progress, options.page_path);
+    if (!write_summary_page(options.page_path, model)) {
+        print_not_written(progress, options.page_path);
+        return false;
+    }
+    return true;
 }
 
 // Leaves the path of the file in json_path, which held no text.
@@ -125,9 +127,12 @@ bool write_page(const CommandLine& options, ProgressLine& progress, const Summar
 bool write_json(const CommandLine& options, ProgressLine& progress, const SummaryModel& model,
                 BoundedText& json_path)
 {
-    return (append_json_path(json_path, options.page_path) &&
-            write_json_summary(json_path.data, model)) ||
-           report_unwritten(progress, json_path.data);
+    if (!append_json_path(json_path, options.page_path) ||
+        !write_json_summary(json_path.data, model)) {
+        print_not_written(progress, json_path.data);
+        return false;
+    }
+    return true;
 }
 
 void print_closing_lines(const CommandLine& options, const SummaryModel& model,

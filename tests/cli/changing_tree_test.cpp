@@ -198,20 +198,20 @@ TEST_F(ChangingTree, AnOpenFileIsReadToItsEndAlthoughItsNameIsGoneOrTaken)
 TEST_F(ChangingTree, AFolderOrALinkToOneThatVanishesBeforeItIsEnteredIsSkipped)
 {
     temp.write("in/sub/x.html", errored_report("x"));
-    expect_after_entry(
-        "sub", [&] { fs::remove_all(temp.path("in/sub")); }, FAILED);
+    const auto remove_folder = [&] { fs::remove_all(temp.path("in/sub")); };
+    expect_after_entry("sub", remove_folder, FAILED);
     temp.write("elsewhere/x.html", errored_report("x"));
     temp.link("../elsewhere", "in/link");
-    expect_after_entry(
-        "link", [&] { fs::remove_all(temp.path("elsewhere")); }, FAILED);
+    const auto remove_target = [&] { fs::remove_all(temp.path("elsewhere")); };
+    expect_after_entry("link", remove_target, FAILED);
 }
 
 TEST_F(ChangingTree, AFolderThatVanishesWhileItIsOpenEndsItsListing)
 {
     fs::remove(report());
     temp.write("in/sub/x.html", errored_report("x"));
-    expect_after_entry(
-        "x.html", [&] { fs::remove_all(temp.path("in")); }, NONE);
+    const auto remove_input = [&] { fs::remove_all(temp.path("in")); };
+    expect_after_entry("x.html", remove_input, NONE);
 }
 
 TEST_F(ChangingTree, AFolderThatTakesAFilesPlaceBeforeTheFileIsExaminedIsEntered)

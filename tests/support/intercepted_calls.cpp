@@ -64,7 +64,7 @@ INTERCEPT_AS(WIDE(lstat, __lstat64_time64), int, lstat, (const char* path, struc
              path, status)
 INTERCEPT(int, mkdir, (const char* path, mode_t mode), path, mode)
 INTERCEPT(char*, realpath, (const char* path, char* resolved), path, resolved)
-INTERCEPT_AS(WIDE(time, __time64), std::time_t, time, (std::time_t * now), now)
+INTERCEPT_AS(WIDE(time, __time64), std::time_t, time, (std::time_t* const now), now)
 INTERCEPT_AS(WIDE(getrusage, __getrusage64), int, getrusage, (int who, rusage* usage), who, usage)
 INTERCEPT_AS(WIDE(gmtime_r, __gmtime64_r), std::tm*, gmtime_r,
              (const std::time_t* time, std::tm* parts), time, parts)
