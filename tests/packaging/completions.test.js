@@ -79,6 +79,10 @@ for (const shell of ["bash", "zsh"]) {
     assert.equal(typed(shell, "fthsummary -o all\t"), "fthsummary -o alley/");
   });
 
+  test(`${shell}: a word that belongs to no option is no file`, () => {
+    assert.equal(typed(shell, "fthsummary alo\t"), "fthsummary alo");
+  });
+
   test(`${shell}: options are completed after a value, too`, () => {
     assert.equal(
       typed(shell, "fthsummary --input reports -o x.html --j\t"),
@@ -121,11 +125,10 @@ test("fish: after -o there are files, and folders that may hold them", () => {
 
 test("without the installed files there are no completions, so these tests can fail", () => {
   const elsewhere = { XDG_DATA_DIRS: `${folder}/here`, ZSH_FOLDER: `${folder}/here` };
-  // Newer shells know options from the usage text by themselves, but not what their values are.
+  // Newer shells know options, and what some of their values are, from the usage text.
   const values = fish("fthsummary --input al", { dataFolders: elsewhere.XDG_DATA_DIRS });
   assert.ok(values.includes("alone.html"), values.join());
   for (const shell of ["bash", "zsh"]) {
-    const line = typed(shell, "fthsummary --input alo\t", elsewhere);
-    assert.equal(line, "fthsummary --input alone.html ");
+    assert.equal(typed(shell, "fthsummary alo\t", elsewhere), "fthsummary alone.html ");
   }
 });

@@ -11,6 +11,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 BUILD = os.path.join(ROOT, "build", "bench")
 PROGRAM = os.path.join(BUILD, "fthsummary")
 MAKE_CORPUS = os.path.join(BUILD, "bench", "make_corpus")
+MEMORY = "/dev/shm"
 
 TREES = {"SMALL": ["small"], "BIG": ["big"], "MIXED": ["mixed"], "HUGE": ["huge"]}
 CANDIDATES = {"SMALL": 20000, "BIG": 400, "MIXED": 10000, "HUGE": 6}
@@ -43,6 +44,13 @@ def build(*packages):
             log.seek(0)
             sys.stderr.buffer.write(log.read())
             raise
+
+
+def folder_in_memory(size):
+    """A folder whose files are in memory and stay there, if so many bytes have room; else
+    none. Of a disk's files the system may forget some at any time."""
+    has_room = os.path.isdir(MEMORY) and shutil.disk_usage(MEMORY).free > size
+    return MEMORY if has_room else None
 
 
 def make_tree(folder, arguments):
