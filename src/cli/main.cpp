@@ -6,6 +6,7 @@
 #include "cli/run.h"
 #include "core/memory.h"
 
+// NOLINTNEXTLINE(misc-use-internal-linkage): the tests call it by another name
 int main(int argc, char** argv)
 {
     // A closed pipe and a file size limit are failed writes like any other, not

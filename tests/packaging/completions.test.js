@@ -124,8 +124,13 @@ test("fish: after -o there are files, and folders that may hold them", () => {
 });
 
 test("without the installed files there are no completions, so these tests can fail", () => {
-  const elsewhere = { XDG_DATA_DIRS: `${folder}/here`, ZSH_FOLDER: `${folder}/here` };
-  // Newer shells know options, and what some of their values are, from the usage text.
+  // Newer versions of bash-completion also look beside the program.
+  const elsewhere = {
+    PATH: "/usr/bin:/bin",
+    XDG_DATA_DIRS: `${folder}/here`,
+    ZSH_FOLDER: `${folder}/here`,
+  };
+  // Fish 4 knows options from the usage text by itself, but not what their values are.
   const values = fish("fthsummary --input al", { dataFolders: elsewhere.XDG_DATA_DIRS });
   assert.ok(values.includes("alone.html"), values.join());
   for (const shell of ["bash", "zsh"]) {
