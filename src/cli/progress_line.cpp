@@ -6,6 +6,7 @@
 #include <ctime>
 #include <string_view>
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -52,6 +53,13 @@ bool is_in_foreground()
     return foreground < 0 || foreground == getpgrp();
 }
 
+// A terminal that was stopped, by Ctrl-S say, would hold the run up until it goes on.
+bool takes_text()
+{
+    pollfd terminal = {STDERR_FILENO, POLLOUT, 0};
+    return poll(&terminal, 1, 0) == 1 && (terminal.revents & POLLOUT) != 0;
+}
+
 std::uint64_t terminal_columns()
 {
     winsize size = {};
@@ -77,7 +85,7 @@ void write_to_terminal(std::string_view text)
 void draw(ProgressLine& line, std::uint64_t done)
 {
     line.due = line.now + DRAW_INTERVAL;
-    if (!is_in_foreground()) {
+    if (!is_in_foreground() || !takes_text()) {
         return;
     }
     const RunPosition position = {line.stage, done, line.total,

@@ -6,8 +6,8 @@
 // second: every DRAW_INTERVAL and at the beginning of a stage. It is never wider than the
 // terminal is at that moment. Whoever prints anything else erases it first.
 //
-// What the terminal refuses is not drawn; nothing else comes of it. Where no line is
-// wanted, no call asks the system anything after progress_line_init.
+// What the terminal refuses, or would not take at once, is not drawn; nothing else comes of it.
+// Where no line is wanted, no call asks the system anything after progress_line_init.
 
 #pragma once
 

@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include "cli/progress_line.h"
@@ -42,6 +44,8 @@ protected:
     static constexpr long BEGAN = 12'345;
     long now = BEGAN; // milliseconds
     pid_t foreground = getpgrp();
+    int ready = 1; // terminals, as poll says
+    short events = POLLOUT;
     std::vector<std::string> written;
     std::vector<long> times; // when it was
     ProgressLine line = {};
@@ -50,6 +54,11 @@ private:
     Interception<int, int> isatty_{isatty_call, [](const auto&, int) { return 1; }};
     Interception<pid_t, int> tcgetpgrp_{tcgetpgrp_call,
                                         [this](const auto&, int) { return foreground; }};
+    Interception<int, pollfd*, nfds_t, int> poll_{
+        poll_call, [this](const auto&, pollfd* terminal, nfds_t, int) {
+            terminal->revents = events;
+            return ready;
+        }};
     Interception<int, clockid_t, timespec*> clock_{clock_gettime_call,
                                                    [this](const auto&, clockid_t, timespec* time) {
                                                        *time = {now / 1000, now % 1000 * 1'000'000};
@@ -119,6 +128,17 @@ TEST_F(ProgressLineTest, StaysOutOfWhatIsTypedWhereItIsInTheBackground)
     foreground = getpgrp() + 1;
     progress_line_erase(line);
     EXPECT_THAT(written, ElementsAre(drawn("listing: 2 files")));
+}
+
+TEST_F(ProgressLineTest, IsNotDrawnWhereTheTerminalWouldNotTakeItAtOnce)
+{
+    const std::pair<int, short> answers[] = {{0, 0}, {1, POLLHUP}, {-1, POLLOUT}};
+    for (const auto& [answer, told] : answers) {
+        ready = answer;
+        events = told;
+        advance(now - BEGAN + 2000, 1);
+        EXPECT_THAT(written, IsEmpty()) << answer;
+    }
 }
 
 TEST_F(ProgressLineTest, IsDrawnAnewAfterTheTerminalRefusedItAndWholeWhereItTookAPart)

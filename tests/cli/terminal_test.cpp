@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "cli/expected_texts.h"
@@ -133,6 +135,17 @@ TEST_F(Terminal, ShowsNothingWhereStandardErrorIsClosedOrAPipe)
     char byte = 0;
     EXPECT_EQ(read(pipe_ends[0], &byte, 1), 0) << "begins with " << byte;
     close(pipe_ends[0]);
+}
+
+TEST_F(Terminal, IsNotWaitedForWhileItIsStopped)
+{
+    before_run = [] {
+        alarm(60); // for a run that waits all the same
+        stdout = std::freopen("/dev/null", "w", stdout);
+        tcflow(STDERR_FILENO, TCOOFF);
+    };
+    EXPECT_EQ(shown({"in", "s.html", false}), "");
+    EXPECT_TRUE(std::filesystem::exists(temp.path("s.html")));
 }
 
 TEST_F(Terminal, MayChangeItsWidthOnTheWay)

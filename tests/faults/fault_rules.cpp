@@ -88,9 +88,10 @@ constexpr Rule RULES[] = {
 // Whatever is printed or drawn, and at any time: what cannot be shown is lost, and that is
 // all.
 constexpr FaultKind SHOWING[] = {{Call::Print, Answer::Refuse},     {Call::Isatty, Answer::Refuse},
-                                 {Call::Tcgetpgrp, Answer::Refuse}, {Call::Ioctl, Answer::Refuse},
-                                 {Call::Clock, Answer::Refuse},     {Call::Draw, Answer::Refuse},
-                                 {Call::Draw, Answer::Short},       {Call::Draw, Answer::Nothing}};
+                                 {Call::Tcgetpgrp, Answer::Refuse}, {Call::Poll, Answer::Refuse},
+                                 {Call::Ioctl, Answer::Refuse},     {Call::Clock, Answer::Refuse},
+                                 {Call::Draw, Answer::Refuse},      {Call::Draw, Answer::Short},
+                                 {Call::Draw, Answer::Nothing}};
 
 } // namespace
 

@@ -290,6 +290,10 @@ void WatchedRun::intercept_terminal()
     intercept(tcgetpgrp_call, [this](const auto&, int) {
         return refuses(Call::Tcgetpgrp, ENOTTY) ? -1 : getpgrp();
     });
+    intercept(poll_call, [this](const auto&, pollfd* terminal, nfds_t, int) {
+        terminal->revents = POLLOUT;
+        return refuses(Call::Poll, EINTR) ? -1 : 1;
+    });
     intercept(ioctl_call, [this](const auto&, int, unsigned long, void* size) {
         *static_cast<winsize*>(size) = {24, 30, 0, 0};
         return refuses(Call::Ioctl, ENOTTY) ? -1 : 0;
@@ -396,12 +400,12 @@ void WatchedRun::release(void* block)
 const char* name_of(Call call)
 {
     static constexpr std::array<const char*, CALL_COUNT> NAMES = {
-        "malloc",  "realloc", "open",   "fstat",     "posix_fadvise", "lseek",
-        "pread",   "write",   "close",  "opendir",   "readdir",       "closedir",
-        "fstatfs", "statfs",  "stat",   "lstat",     "mkdir",         "realpath",
-        "format",  "print",   "time",   "getrusage", "gmtime_r",      "strftime",
-        "madvise", "mallopt", "isatty", "tcgetpgrp", "ioctl",         "clock_gettime",
-        "draw"};
+        "malloc",        "realloc", "open",   "fstat",     "posix_fadvise", "lseek",
+        "pread",         "write",   "close",  "opendir",   "readdir",       "closedir",
+        "fstatfs",       "statfs",  "stat",   "lstat",     "mkdir",         "realpath",
+        "format",        "print",   "time",   "getrusage", "gmtime_r",      "strftime",
+        "madvise",       "mallopt", "isatty", "tcgetpgrp", "poll",          "ioctl",
+        "clock_gettime", "draw"};
     return NAMES[index_of(call)];
 }
 

@@ -49,11 +49,12 @@ enum class Call
     Mallopt,
     Isatty,
     Tcgetpgrp,
+    Poll,
     Ioctl,
     Clock,
     Draw, // write, on the terminal
 };
-inline constexpr std::size_t CALL_COUNT = 31;
+inline constexpr std::size_t CALL_COUNT = 32;
 
 // What a failing call says.
 enum class Answer

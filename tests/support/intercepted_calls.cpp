@@ -75,6 +75,7 @@ INTERCEPT_AS(WIDE(clock_gettime, __clock_gettime64), int, clock_gettime,
              (clockid_t clock, timespec* now), clock, now)
 INTERCEPT(int, isatty, (int file), file)
 INTERCEPT(pid_t, tcgetpgrp, (int file), file)
+INTERCEPT(int, poll, (pollfd * files, nfds_t count, int timeout), files, count, timeout)
 
 // The rest are variadic or go by several names: which one the compiler takes depends on
 // what it optimises and checks.

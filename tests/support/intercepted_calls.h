@@ -19,6 +19,7 @@
 #include <utility>
 
 #include <dirent.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -82,6 +83,7 @@ extern InterceptedCall<std::size_t(char*, std::size_t, const char*, const std::t
 // Terminals, and the clock that only goes forward.
 extern InterceptedCall<int(int)> isatty_call;
 extern InterceptedCall<pid_t(int)> tcgetpgrp_call;
+extern InterceptedCall<int(pollfd*, nfds_t, int)> poll_call;
 extern InterceptedCall<int(int, unsigned long, void*)> ioctl_call;
 extern InterceptedCall<int(clockid_t, timespec*)> clock_gettime_call;
 
