@@ -85,8 +85,13 @@ class Tab {
     if (until === "load") {
       return this.page.goto(url);
     }
+    return this.send("browsingContext.navigate", { url, wait: "none" });
+  }
+
+  /** Sends the browser a command about this window. */
+  send(command, parameters) {
     const context = this.page.mainFrame()._id;
-    return this.browser.connection.send("browsingContext.navigate", { context, url, wait: "none" });
+    return this.browser.connection.send(command, { context, ...parameters });
   }
 
   reload() {
@@ -97,10 +102,11 @@ class Tab {
     return this.page.evaluate(expression);
   }
 
+  // Page.setViewport would also turn the screen, which Firefox 140 cannot do.
   async resize(size) {
-    const { width, height } = this.page.viewport() ?? {};
-    if (width !== size.width || height !== size.height) {
-      await this.page.setViewport(size);
+    if (this.width !== size.width || this.height !== size.height) {
+      await this.send("browsingContext.setViewport", { viewport: size });
+      Object.assign(this, size);
     }
   }
 
