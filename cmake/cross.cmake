@@ -1,5 +1,5 @@
-# A toolchain for another processor: Debian's cross compiler, and qemu to run what it
-# builds. FTHSUMMARY_ARCHITECTURE says which one, by Debian's name:
+# A toolchain for another processor: Debian's cross compiler, and qemu, where it is
+# installed, to run what it builds. FTHSUMMARY_ARCHITECTURE says which one, by Debian's name:
 #
 #   cmake --preset checked -B build/arm64 --toolchain cmake/cross.cmake -DFTHSUMMARY_ARCHITECTURE=arm64
 #
@@ -32,6 +32,8 @@ set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES FTHSUMMARY_ARCHITECTURE)
 
 if(NOT qemu STREQUAL "-")
   # The second name is for a qemu whose ordinary build is a static one.
-  find_program(FTHSUMMARY_QEMU NAMES "qemu-${qemu}-static" "qemu-${qemu}" REQUIRED)
-  set(CMAKE_CROSSCOMPILING_EMULATOR "${FTHSUMMARY_QEMU}")
+  find_program(FTHSUMMARY_QEMU NAMES "qemu-${qemu}-static" "qemu-${qemu}")
+  if(FTHSUMMARY_QEMU)
+    set(CMAKE_CROSSCOMPILING_EMULATOR "${FTHSUMMARY_QEMU}")
+  endif()
 endif()

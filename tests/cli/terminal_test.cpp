@@ -48,7 +48,9 @@ protected:
             run(options);
         }
         std::string text;
-        for (char c = 0; read(terminal, &c, 1) == 1;) {
+        char c = 0;
+        // Once more at the end: what comes with it, the system may tell after it.
+        while (read(terminal, &c, 1) == 1 || read(terminal, &c, 1) == 1) {
             if (c == '\n') {
                 text.pop_back(); // the carriage return that the terminal adds
             }
