@@ -156,6 +156,9 @@ test("each command of the README's tables installs a program that runs", () => {
     fs.cpSync(path.join(tree, "examples/reports/albums"), reports, { recursive: true });
     const { stdout } = runBlock(sandbox, { marker: "status: 1", text: `cd '${reports}'\n${COMMANDS[by]}` });
     assert.match(stdout, /^wrote \/reports\/summary\.html /);
+    const [name] = COMMANDS[by].match(/fthsummary:\S+/);
+    const { process: started } = JSON.parse(read(`${root}/image/${name}`, "config.json"));
+    assert.equal(started.cwd, "/reports", "where relative paths begin");
     fs.rmSync(`${root}/image`, { recursive: true });
   }
   // Loading and running by each of the two, and nothing that was not tried.
