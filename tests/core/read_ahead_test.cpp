@@ -151,8 +151,10 @@ TEST_F(ReadAheadFile, OpensAheadOnAShareWhoseFilesTakeLong)
     std::size_t slow = 0;   // that many files take long,
     std::int64_t taken = 0; // each so many nanoseconds
     const Interception clock(clock_gettime_call, [&](const auto&, clockid_t, timespec* now) {
-        const std::int64_t time = static_cast<std::int64_t>(std::min(read.size(), slow)) * taken;
-        *now = {3 + time / 1'000'000'000, time % 1'000'000'000};
+        // A second begins while the first file is read.
+        const std::int64_t time =
+            3'999'999'999 + static_cast<std::int64_t>(std::min(read.size(), slow)) * taken;
+        *now = {time / 1'000'000'000, time % 1'000'000'000};
         return 0;
     });
     const auto files_ahead = [&](std::size_t files, std::int64_t nanoseconds) {
